@@ -1,0 +1,115 @@
+// The frame: version records, variant choice, dispatch, zebcore and the
+// shared release of state objects.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "harness.h"
+
+ZEB_TEST_TABLE(zebcvGetLibVersion);
+ZEB_TEST_TABLE(zebiInpaintFree_8u_C1R);
+ZEB_TEST_TABLE(zebiAbsDiff_8u_C1R);
+
+extern "C" int c_header_compiles(void);
+
+namespace {
+
+TEST(Frame, VersionRecordsOfBothVariants) {
+    const ZebLibraryVersion* u8 = zeb_tbl_zebcvGetLibVersion[0]();
+    const ZebLibraryVersion* n8 = zeb_tbl_zebcvGetLibVersion[1]();
+    for (const ZebLibraryVersion* v : {u8, n8}) {
+        EXPECT_EQ(v->major, 8);
+        EXPECT_EQ(v->minor, 2);
+        EXPECT_EQ(v->majorBuild, 3);
+        EXPECT_EQ(v->build, 48108);
+        EXPECT_STREQ(v->version, "8.2.3 (r48108)");
+        EXPECT_STREQ(v->buildDate, "Jul 23 2015");
+    }
+    EXPECT_EQ(std::memcmp(u8->targetCpu, "u8\0\0", 4), 0);
+    EXPECT_EQ(std::memcmp(n8->targetCpu, "n8\0\0", 4), 0);
+    EXPECT_STREQ(u8->name, "zebCV SSSE3 (u8)");
+    EXPECT_STREQ(n8->name, "zebCV Tavo (n8)");
+    // The two variants share the version and date strings.
+    EXPECT_EQ(u8->version, n8->version);
+    EXPECT_EQ(u8->buildDate, n8->buildDate);
+}
+
+TEST(Frame, VariantFollowsTheFeatureMask) {
+    const uint64_t f = zebGetEnabledCpuFeatures();
+    const bool n8 = (f & 0x10) && (f & 0x20);
+    EXPECT_EQ(zeb_cpu_variant, n8 ? 1 : 0);
+    const ZebLibraryVersion* v = zebcvGetLibVersion();
+    EXPECT_EQ(v, zebcvGetLibVersion());
+    EXPECT_EQ(std::memcmp(v->targetCpu, n8 ? "n8" : "u8", 3), 0);
+}
+
+// The stub jumps to the entry the variant index names: switching the
+// index switches the record the export returns.
+TEST(Frame, StubJumpsThroughTheVariantIndex) {
+    const int saved = zeb_cpu_variant;
+    for (int v = 0; v < 2; ++v) {
+        zeb_cpu_variant = v;
+        EXPECT_EQ(zebcvGetLibVersion(), zeb_tbl_zebcvGetLibVersion[v]());
+    }
+    zeb_cpu_variant = saved;
+    // Arguments pass through untouched: a seven-argument export gives the
+    // same pixels through the stub as through its table entry.
+    zt::Image<uint8_t> a(33, 2), b(33, 2), d1(33, 2), d2(33, 2);
+    ASSERT_EQ(zebiAbsDiff_8u_C1R(a.ptr(), a.step(), b.ptr(), b.step(), d1.ptr(), d1.step(), a.size()), 0);
+    ASSERT_EQ(zeb_tbl_zebiAbsDiff_8u_C1R[saved](a.ptr(), a.step(), b.ptr(), b.step(), d2.ptr(), d2.step(), a.size()),
+              0);
+    EXPECT_EQ(d1.pixels(), d2.pixels());
+}
+
+TEST(Frame, SharedFreeReleasesAndRefusesNull) {
+    for (int v = 0; v < 2; ++v) {
+        EXPECT_EQ(zeb_tbl_zebiInpaintFree_8u_C1R[v](nullptr), zebStsNullPtrErr);
+        const int64_t live = zebTestLiveBlocks();
+        void* p = zebMalloc(100);
+        ASSERT_NE(p, nullptr);
+        EXPECT_EQ(zebTestLiveBlocks(), live + 1);
+        EXPECT_EQ(zeb_tbl_zebiInpaintFree_8u_C1R[v](static_cast<ZebiInpaintState_8u_C1R*>(p)), zebStsNoErr);
+        EXPECT_EQ(zebTestLiveBlocks(), live);
+    }
+    EXPECT_EQ(zebiInpaintFree_8u_C3R(nullptr), zebStsNullPtrErr);
+}
+
+TEST(Core, MallocAlignsAndFailsOnRequest) {
+    EXPECT_EQ(zebMalloc(0), nullptr);
+    EXPECT_EQ(zebMalloc(-3), nullptr);
+    void* p = zebMalloc(1);
+    ASSERT_NE(p, nullptr);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(p) % 64, 0u);
+    zebFree(p);
+    zebTestFailMallocAt(2);
+    void* a = zebMalloc(10);
+    void* b = zebMalloc(10);
+    void* c = zebMalloc(10);
+    EXPECT_NE(a, nullptr);
+    EXPECT_EQ(b, nullptr);
+    EXPECT_NE(c, nullptr);
+    zebTestFailMallocAt(0);
+    zebFree(a);
+    zebFree(c);
+    zebFree(nullptr);
+}
+
+TEST(Core, FeaturesAndCacheSize) {
+    const uint64_t f = zebGetEnabledCpuFeatures();
+    EXPECT_TRUE(f & ZEB_CPU_SSE2);
+    EXPECT_TRUE(f & ZEB_CPU_SSSE3);  // the library's baseline
+    EXPECT_EQ(f, zebGetEnabledCpuFeatures());
+    int32_t size = 0;
+    EXPECT_EQ(zebGetMaxCacheSizeB(nullptr), -8);
+    ASSERT_EQ(zebGetMaxCacheSizeB(&size), 0);
+    EXPECT_GE(size, 32 * 1024);
+    zebTestFailCacheQuery(1);
+    int32_t untouched = 7;
+    EXPECT_NE(zebGetMaxCacheSizeB(&untouched), 0);
+    EXPECT_EQ(untouched, 7);
+    zebTestFailCacheQuery(0);
+}
+
+TEST(Frame, PublicHeaderCompilesAsC) { EXPECT_EQ(c_header_compiles(), 8); }
+
+}  // namespace
