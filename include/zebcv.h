@@ -13,5 +13,7 @@
 #include "zebcv/types.h"
 #include "zebcv/core.h"
 #include "zebcv/arith.h"
+#include "zebcv/stats.h"
+#include "zebcv/filter.h"
 
 #endif /* ZEBCV_H */
