@@ -69,6 +69,112 @@ inline __attribute__((always_inline)) void store_f(float* p, vf v) {
     }
 }
 
+// ---- Integer terms ----
+// For 8-bit sources the terms s, s*s and s1*s2 are exact integers below
+// 2^24 (and so are 16-bit s), so they can be formed in integer lanes and
+// converted once: float(t) equals the single-precision term bit for bit.
+// Masked forms zero the source bytes where the mask is zero and subtract
+// the negated term: A - float(-t) is A + t exactly, and A - (+0) is A for
+// every A, signed zeros and infinities included (a signalling NaN comes
+// back quiet, the one bit pattern that can change).
+
+template <class Op, class T>
+inline constexpr bool kIntTerm = (sizeof(T) == 1 && !std::is_same_v<Op, ref::Weighted>) ||
+                                 (std::is_same_v<T, uint16_t> && std::is_same_v<Op, ref::Add>);
+
+inline constexpr int kIntVecs = 16 / kLanes;  // vectors per block of 16 pixels
+
+#if ZEB_VEC_BYTES == 32
+// 16 words from 16 bytes (or 16 words as they are), masked-out ones zeroed.
+template <class T, bool kMask>
+inline __attribute__((always_inline)) __m256i words16(const T* p, const uint8_t* m) {
+    if constexpr (sizeof(T) == 2) {
+        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+        if constexpr (kMask) {
+            const __m128i k =
+                _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128());
+            v = _mm256_andnot_si256(_mm256_cvtepi8_epi16(k), v);
+        }
+        return v;
+    } else {
+        __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        if constexpr (kMask)
+            b = _mm_andnot_si128(
+                _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128()), b);
+        return std::is_signed_v<T> ? _mm256_cvtepi8_epi16(b) : _mm256_cvtepu8_epi16(b);
+    }
+}
+// Widens the 16 word terms to 32-bit lanes (signed terms sign-extended).
+template <bool kSigned>
+inline __attribute__((always_inline)) void dwords16(__m256i t, vi out[2]) {
+    const __m128i lo = _mm256_castsi256_si128(t), hi = _mm256_extracti128_si256(t, 1);
+    out[0] = vi(kSigned ? _mm256_cvtepi16_epi32(lo) : _mm256_cvtepu16_epi32(lo));
+    out[1] = vi(kSigned ? _mm256_cvtepi16_epi32(hi) : _mm256_cvtepu16_epi32(hi));
+}
+inline __attribute__((always_inline)) __m256i mul16(__m256i a, __m256i b) { return _mm256_mullo_epi16(a, b); }
+inline __attribute__((always_inline)) vf to_f(vi v) { return _mm256_cvtepi32_ps(__m256i(v)); }
+#else
+// 16 words as two registers of 8.
+struct W16 {
+    __m128i lo, hi;
+};
+template <class T, bool kMask>
+inline __attribute__((always_inline)) W16 words16(const T* p, const uint8_t* m) {
+    const __m128i z = _mm_setzero_si128();
+    __m128i k = z;
+    if constexpr (kMask) k = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), z);
+    if constexpr (sizeof(T) == 2) {
+        __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+        if constexpr (kMask) {
+            lo = _mm_andnot_si128(_mm_unpacklo_epi8(k, k), lo);
+            hi = _mm_andnot_si128(_mm_unpackhi_epi8(k, k), hi);
+        }
+        return {lo, hi};
+    } else {
+        __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        if constexpr (kMask) b = _mm_andnot_si128(k, b);
+        const __m128i ext = std::is_signed_v<T> ? _mm_cmpgt_epi8(z, b) : z;
+        return {_mm_unpacklo_epi8(b, ext), _mm_unpackhi_epi8(b, ext)};
+    }
+}
+template <bool kSigned>
+inline __attribute__((always_inline)) void dwords16(W16 t, vi out[4]) {
+    const __m128i z = _mm_setzero_si128();
+    if constexpr (kSigned) {
+        out[0] = vi(_mm_srai_epi32(_mm_unpacklo_epi16(z, t.lo), 16));
+        out[1] = vi(_mm_srai_epi32(_mm_unpackhi_epi16(z, t.lo), 16));
+        out[2] = vi(_mm_srai_epi32(_mm_unpacklo_epi16(z, t.hi), 16));
+        out[3] = vi(_mm_srai_epi32(_mm_unpackhi_epi16(z, t.hi), 16));
+    } else {
+        out[0] = vi(_mm_unpacklo_epi16(t.lo, z));
+        out[1] = vi(_mm_unpackhi_epi16(t.lo, z));
+        out[2] = vi(_mm_unpacklo_epi16(t.hi, z));
+        out[3] = vi(_mm_unpackhi_epi16(t.hi, z));
+    }
+}
+inline __attribute__((always_inline)) W16 mul16(W16 a, W16 b) {
+    return {_mm_mullo_epi16(a.lo, b.lo), _mm_mullo_epi16(a.hi, b.hi)};
+}
+inline __attribute__((always_inline)) vf to_f(vi v) { return _mm_cvtepi32_ps(__m128i(v)); }
+#endif
+
+// The 16 integer terms of pixels x .. x+15 in 32-bit lanes.
+template <class Op, class T, bool kTwo, bool kMask>
+inline __attribute__((always_inline)) void int_terms16(const T* s1, const T* s2, const uint8_t* m,
+                                                       vi t[kIntVecs]) {
+    const auto a = words16<T, kMask>(s1, m);
+    if constexpr (std::is_same_v<Op, ref::Add>) {
+        dwords16<std::is_signed_v<T>>(a, t);
+    } else if constexpr (std::is_same_v<Op, ref::Square>) {
+        dwords16<false>(mul16(a, a), t);  // 0 .. 65025: unsigned
+    } else {
+        // A masked-out s1 is zero, which zeroes the product.
+        const auto b = words16<T, false>(s2, nullptr);
+        dwords16<std::is_signed_v<T>>(mul16(a, b), t);
+    }
+}
+
 // One row: out[x] = Op(in[x], s1[x], s2[x], alpha), kept where the mask is
 // zero. in and out are the same row for the in-place forms.
 template <class Op, class T, bool kTwo, bool kMask, Store kStore>
@@ -83,19 +189,38 @@ void accumulate_row(const T* s1, const T* s2, const uint8_t* m, const float* in,
         const float b = kTwo ? ref::to_f(s2[x]) : 0.f;
         out[x] = Op::apply(in[x], ref::to_f(s1[x]), b, alpha);
     };
-    // kUnroll independent vectors per step keep enough loads in flight.
-    auto block = [&](int x0) {
-        for (int k = 0; k < kUnroll; ++k) {
-            const int x = x0 + k * kLanes;
-            vf a;
-            std::memcpy(&a, in + x, sizeof a);
-            const vf b = kTwo ? load_as_f(s2 + x) : vf{};
-            vf r = Op::apply(a, load_as_f(s1 + x), b, va);
-            if constexpr (kMask) r = select(r, a, keep_lanes(m + x));
-            store_f<kStore>(out + x, r);
-        }
-    };
-    drive_row<ZEB_VEC_BYTES, kUnroll * kLanes>(out, w, scalar, block);
+    if constexpr (kIntTerm<Op, T>) {
+        // Blocks of 16 pixels, kUnroll / 2 of them per step.
+        constexpr int kBlocks = kUnroll / 2;
+        auto block = [&](int x0) {
+            for (int b = 0; b < kBlocks; ++b) {
+                const int x = x0 + 16 * b;
+                vi t[kIntVecs];
+                int_terms16<Op, T, kTwo, kMask>(s1 + x, kTwo ? s2 + x : nullptr, kMask ? m + x : nullptr, t);
+                for (int k = 0; k < kIntVecs; ++k) {
+                    vf a;
+                    std::memcpy(&a, in + x + k * kLanes, sizeof a);
+                    const vf r = kMask ? a - to_f(vi{} - t[k]) : a + to_f(t[k]);
+                    store_f<kStore>(out + x + k * kLanes, r);
+                }
+            }
+        };
+        drive_row<ZEB_VEC_BYTES, 16 * kBlocks>(out, w, scalar, block);
+    } else {
+        // kUnroll independent vectors per step keep enough loads in flight.
+        auto block = [&](int x0) {
+            for (int k = 0; k < kUnroll; ++k) {
+                const int x = x0 + k * kLanes;
+                vf a;
+                std::memcpy(&a, in + x, sizeof a);
+                const vf b = kTwo ? load_as_f(s2 + x) : vf{};
+                vf r = Op::apply(a, load_as_f(s1 + x), b, va);
+                if constexpr (kMask) r = select(r, a, keep_lanes(m + x));
+                store_f<kStore>(out + x, r);
+            }
+        };
+        drive_row<ZEB_VEC_BYTES, kUnroll * kLanes>(out, w, scalar, block);
+    }
 }
 
 template <class Op, class T, bool kTwo, bool kMask, Store kStore>

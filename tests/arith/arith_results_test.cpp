@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -272,6 +273,58 @@ TEST(Accumulate, WeightedLimitsAndEmptyMask) {
         for (int y = 0; y < 5; ++y)
             for (int x = 0; x < 37; ++x) ASSERT_EQ(acc.at(x, y), float(s.at(x, y)));
     }
+}
+
+// Masked-out elements keep their exact bits whatever they hold: signed
+// zeros, infinities and quiet NaNs included, on every path and member.
+template <class T, bool kTwo, class Fn>
+void check_masked_out_specials(Fn* const* tbl) {
+    const float specials[] = {-0.0f, 0.0f, INFINITY, -INFINITY, std::numeric_limits<float>::quiet_NaN(), -1e-40f};
+    for (const zt::Path& p : zt::all_paths()) {
+        zt::IsaScope isa(p.isa);
+        const int w = 67, h = 2;
+        Image<T> s1(w, h), s2(w, h);
+        Image<uint8_t> m(w, h);
+        Image<float> acc(w, h);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                acc.at(x, y) = specials[(x + y) % 6];
+                m.at(x, y) = (x % 5 == 0) ? 9 : 0;
+            }
+        const auto before = acc.pixels();
+        ZebStatus st;
+        if constexpr (kTwo)
+            st = tbl[p.variant](s1.ptr(), s1.step(), s2.ptr(), s2.step(), m.ptr(), m.step(), acc.ptr(), acc.step(),
+                                acc.size());
+        else if constexpr (std::is_invocable_v<Fn*, const T*, int, const uint8_t*, int, float*, int, ZebiSize, float>)
+            st = tbl[p.variant](s1.ptr(), s1.step(), m.ptr(), m.step(), acc.ptr(), acc.step(), acc.size(), 0.5f);
+        else
+            st = tbl[p.variant](s1.ptr(), s1.step(), m.ptr(), m.step(), acc.ptr(), acc.step(), acc.size());
+        ASSERT_EQ(st, 0);
+        const auto after = acc.pixels();
+        const auto mask = m.pixels();
+        for (int i = 0; i < w * h; ++i) {
+            if (mask[i] == 0) {
+                ASSERT_TRUE(zt::same_bits(before[i], after[i])) << p.name() << " element " << i;
+            }
+        }
+    }
+}
+
+TEST(Accumulate, MaskedOutElementsKeepTheirBits) {
+    check_masked_out_specials<uint8_t, false>(zeb_tbl_zebiAdd_8u32f_C1IMR);
+    check_masked_out_specials<int8_t, false>(zeb_tbl_zebiAdd_8s32f_C1IMR);
+    check_masked_out_specials<uint16_t, false>(zeb_tbl_zebiAdd_16u32f_C1IMR);
+    check_masked_out_specials<float, false>(zeb_tbl_zebiAdd_32f_C1IMR);
+    check_masked_out_specials<uint8_t, false>(zeb_tbl_zebiAddSquare_8u32f_C1IMR);
+    check_masked_out_specials<int8_t, false>(zeb_tbl_zebiAddSquare_8s32f_C1IMR);
+    check_masked_out_specials<uint16_t, false>(zeb_tbl_zebiAddSquare_16u32f_C1IMR);
+    check_masked_out_specials<uint8_t, true>(zeb_tbl_zebiAddProduct_8u32f_C1IMR);
+    check_masked_out_specials<int8_t, true>(zeb_tbl_zebiAddProduct_8s32f_C1IMR);
+    check_masked_out_specials<uint16_t, true>(zeb_tbl_zebiAddProduct_16u32f_C1IMR);
+    check_masked_out_specials<float, true>(zeb_tbl_zebiAddProduct_32f_C1IMR);
+    check_masked_out_specials<uint8_t, false>(zeb_tbl_zebiAddWeighted_8u32f_C1IMR);
+    check_masked_out_specials<float, false>(zeb_tbl_zebiAddWeighted_32f_C1IMR);
 }
 
 // Streaming and cached kernels give the same bits: a failing cache query
