@@ -73,38 +73,48 @@ inline __attribute__((always_inline)) void store_f(float* p, vf v) {
 // For 8-bit sources the terms s, s*s and s1*s2 are exact integers below
 // 2^24 (and so are 16-bit s), so they can be formed in integer lanes and
 // converted once: float(t) equals the single-precision term bit for bit.
-// Masked forms zero the source bytes where the mask is zero and subtract
-// the negated term: A - float(-t) is A + t exactly, and A - (+0) is A for
-// every A, signed zeros and infinities included (a signalling NaN comes
-// back quiet, the one bit pattern that can change).
+// Blocks are 16 pixels; masked forms test 16 mask bytes at once.
 
+// Not for signed products: 0 * -5 is -0.0 in single precision, and the
+// sign of that zero reaches the accumulator (-0 + -0 stays -0).
 template <class Op, class T>
-inline constexpr bool kIntTerm = (sizeof(T) == 1 && !std::is_same_v<Op, ref::Weighted>) ||
+inline constexpr bool kIntTerm = (std::is_same_v<T, uint8_t> && !std::is_same_v<Op, ref::Weighted>) ||
+                                 (std::is_same_v<T, int8_t> && (std::is_same_v<Op, ref::Add> ||
+                                                                std::is_same_v<Op, ref::Square>)) ||
                                  (std::is_same_v<T, uint16_t> && std::is_same_v<Op, ref::Add>);
 
 inline constexpr int kIntVecs = 16 / kLanes;  // vectors per block of 16 pixels
 
+inline __attribute__((always_inline)) __m128i zero_bytes16(const uint8_t* m) {
+    return _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128());
+}
+
 #if ZEB_VEC_BYTES == 32
-// 16 words from 16 bytes (or 16 words as they are), masked-out ones zeroed.
-template <class T, bool kMask>
-inline __attribute__((always_inline)) __m256i words16(const T* p, const uint8_t* m) {
+// Lanes of 16 pixels whose mask byte is zero, as all-ones dwords.
+inline __attribute__((always_inline)) void keep16(const uint8_t* m, vf keep[2]) {
+    const __m128i k = zero_bytes16(m);
+    keep[0] = _mm256_castsi256_ps(_mm256_cvtepi8_epi32(k));
+    keep[1] = _mm256_castsi256_ps(_mm256_cvtepi8_epi32(_mm_unpackhi_epi64(k, k)));
+}
+// 16 source bytes widened straight to 32-bit lanes.
+template <class T>
+inline __attribute__((always_inline)) void byte_dwords16(const T* p, vi out[2]) {
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i h = _mm_unpackhi_epi64(b, b);
+    out[0] = vi(std::is_signed_v<T> ? _mm256_cvtepi8_epi32(b) : _mm256_cvtepu8_epi32(b));
+    out[1] = vi(std::is_signed_v<T> ? _mm256_cvtepi8_epi32(h) : _mm256_cvtepu8_epi32(h));
+}
+// 16 words from 16 bytes, or 16 words as they are.
+template <class T>
+inline __attribute__((always_inline)) __m256i words16(const T* p) {
     if constexpr (sizeof(T) == 2) {
-        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-        if constexpr (kMask) {
-            const __m128i k =
-                _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128());
-            v = _mm256_andnot_si256(_mm256_cvtepi8_epi16(k), v);
-        }
-        return v;
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
     } else {
-        __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        if constexpr (kMask)
-            b = _mm_andnot_si128(
-                _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128()), b);
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
         return std::is_signed_v<T> ? _mm256_cvtepi8_epi16(b) : _mm256_cvtepu8_epi16(b);
     }
 }
-// Widens the 16 word terms to 32-bit lanes (signed terms sign-extended).
+// Widens 16 word terms to 32-bit lanes (signed terms sign-extended).
 template <bool kSigned>
 inline __attribute__((always_inline)) void dwords16(__m256i t, vi out[2]) {
     const __m128i lo = _mm256_castsi256_si128(t), hi = _mm256_extracti128_si256(t, 1);
@@ -114,26 +124,26 @@ inline __attribute__((always_inline)) void dwords16(__m256i t, vi out[2]) {
 inline __attribute__((always_inline)) __m256i mul16(__m256i a, __m256i b) { return _mm256_mullo_epi16(a, b); }
 inline __attribute__((always_inline)) vf to_f(vi v) { return _mm256_cvtepi32_ps(__m256i(v)); }
 #else
+inline __attribute__((always_inline)) void keep16(const uint8_t* m, vf keep[4]) {
+    const __m128i k = zero_bytes16(m);
+    const __m128i lo = _mm_unpacklo_epi8(k, k), hi = _mm_unpackhi_epi8(k, k);
+    keep[0] = _mm_castsi128_ps(_mm_unpacklo_epi16(lo, lo));
+    keep[1] = _mm_castsi128_ps(_mm_unpackhi_epi16(lo, lo));
+    keep[2] = _mm_castsi128_ps(_mm_unpacklo_epi16(hi, hi));
+    keep[3] = _mm_castsi128_ps(_mm_unpackhi_epi16(hi, hi));
+}
 // 16 words as two registers of 8.
 struct W16 {
     __m128i lo, hi;
 };
-template <class T, bool kMask>
-inline __attribute__((always_inline)) W16 words16(const T* p, const uint8_t* m) {
-    const __m128i z = _mm_setzero_si128();
-    __m128i k = z;
-    if constexpr (kMask) k = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), z);
+template <class T>
+inline __attribute__((always_inline)) W16 words16(const T* p) {
     if constexpr (sizeof(T) == 2) {
-        __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
-        if constexpr (kMask) {
-            lo = _mm_andnot_si128(_mm_unpacklo_epi8(k, k), lo);
-            hi = _mm_andnot_si128(_mm_unpackhi_epi8(k, k), hi);
-        }
-        return {lo, hi};
+        return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8))};
     } else {
-        __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        if constexpr (kMask) b = _mm_andnot_si128(k, b);
+        const __m128i z = _mm_setzero_si128();
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
         const __m128i ext = std::is_signed_v<T> ? _mm_cmpgt_epi8(z, b) : z;
         return {_mm_unpacklo_epi8(b, ext), _mm_unpackhi_epi8(b, ext)};
     }
@@ -160,19 +170,21 @@ inline __attribute__((always_inline)) vf to_f(vi v) { return _mm_cvtepi32_ps(__m
 #endif
 
 // The 16 integer terms of pixels x .. x+15 in 32-bit lanes.
-template <class Op, class T, bool kTwo, bool kMask>
-inline __attribute__((always_inline)) void int_terms16(const T* s1, const T* s2, const uint8_t* m,
-                                                       vi t[kIntVecs]) {
-    const auto a = words16<T, kMask>(s1, m);
-    if constexpr (std::is_same_v<Op, ref::Add>) {
-        dwords16<std::is_signed_v<T>>(a, t);
-    } else if constexpr (std::is_same_v<Op, ref::Square>) {
-        dwords16<false>(mul16(a, a), t);  // 0 .. 65025: unsigned
-    } else {
-        // A masked-out s1 is zero, which zeroes the product.
-        const auto b = words16<T, false>(s2, nullptr);
-        dwords16<std::is_signed_v<T>>(mul16(a, b), t);
+template <class Op, class T, bool kTwo>
+inline __attribute__((always_inline)) void int_terms16(const T* s1, const T* s2, vi t[kIntVecs]) {
+#if ZEB_VEC_BYTES == 32
+    if constexpr (std::is_same_v<Op, ref::Add> && sizeof(T) == 1) {
+        byte_dwords16(s1, t);
+        return;
     }
+#endif
+    const auto a = words16(s1);
+    if constexpr (std::is_same_v<Op, ref::Add>)
+        dwords16<std::is_signed_v<T>>(a, t);
+    else if constexpr (std::is_same_v<Op, ref::Square>)
+        dwords16<false>(mul16(a, a), t);  // 0 .. 65025: unsigned
+    else
+        dwords16<std::is_signed_v<T>>(mul16(a, words16(s2)), t);
 }
 
 // One row: out[x] = Op(in[x], s1[x], s2[x], alpha), kept where the mask is
@@ -196,11 +208,14 @@ void accumulate_row(const T* s1, const T* s2, const uint8_t* m, const float* in,
             for (int b = 0; b < kBlocks; ++b) {
                 const int x = x0 + 16 * b;
                 vi t[kIntVecs];
-                int_terms16<Op, T, kTwo, kMask>(s1 + x, kTwo ? s2 + x : nullptr, kMask ? m + x : nullptr, t);
+                int_terms16<Op, T, kTwo>(s1 + x, kTwo ? s2 + x : nullptr, t);
+                vf keep[kIntVecs];
+                if constexpr (kMask) keep16(m + x, keep);
                 for (int k = 0; k < kIntVecs; ++k) {
                     vf a;
                     std::memcpy(&a, in + x + k * kLanes, sizeof a);
-                    const vf r = kMask ? a - to_f(vi{} - t[k]) : a + to_f(t[k]);
+                    vf r = a + to_f(t[k]);
+                    if constexpr (kMask) r = select(r, a, keep[k]);
                     store_f<kStore>(out + x + k * kLanes, r);
                 }
             }

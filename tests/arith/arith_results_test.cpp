@@ -275,10 +275,11 @@ TEST(Accumulate, WeightedLimitsAndEmptyMask) {
     }
 }
 
-// Masked-out elements keep their exact bits whatever they hold: signed
-// zeros, infinities and quiet NaNs included, on every path and member.
+// Special accumulator values (signed zeros, infinities, quiet NaNs, a
+// subnormal) against zero and non-zero sources, masked in and out: every
+// element must match the definition bit for bit, masked-out ones unchanged.
 template <class T, bool kTwo, class Fn>
-void check_masked_out_specials(Fn* const* tbl) {
+void check_masked_specials(Op op, Fn* const* tbl) {
     const float specials[] = {-0.0f, 0.0f, INFINITY, -INFINITY, std::numeric_limits<float>::quiet_NaN(), -1e-40f};
     for (const zt::Path& p : zt::all_paths()) {
         zt::IsaScope isa(p.isa);
@@ -289,7 +290,9 @@ void check_masked_out_specials(Fn* const* tbl) {
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
                 acc.at(x, y) = specials[(x + y) % 6];
-                m.at(x, y) = (x % 5 == 0) ? 9 : 0;
+                m.at(x, y) = (x % 5 == 0) ? 0 : uint8_t(x);
+                if (x % 3 == 0) s1.at(x, y) = T(0);
+                if (x % 7 == 0) s2.at(x, y) = T(0);
             }
         const auto before = acc.pixels();
         ZebStatus st;
@@ -301,30 +304,33 @@ void check_masked_out_specials(Fn* const* tbl) {
         else
             st = tbl[p.variant](s1.ptr(), s1.step(), m.ptr(), m.step(), acc.ptr(), acc.step(), acc.size());
         ASSERT_EQ(st, 0);
-        const auto after = acc.pixels();
-        const auto mask = m.pixels();
-        for (int i = 0; i < w * h; ++i) {
-            if (mask[i] == 0) {
-                ASSERT_TRUE(zt::same_bits(before[i], after[i])) << p.name() << " element " << i;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const float a0 = before[std::size_t(y) * w + x];
+                const float want = m.at(x, y) == 0 ? a0
+                                                   : definition(op, a0, float(s1.at(x, y)),
+                                                                kTwo ? float(s2.at(x, y)) : 0.f, 0.5f);
+                ASSERT_TRUE(zt::same_bits(want, acc.at(x, y)))
+                    << p.name() << " x=" << x << " y=" << y << " want " << want << " got " << acc.at(x, y) << " op "
+                    << int(op) << " elem " << sizeof(T);
             }
-        }
     }
 }
 
-TEST(Accumulate, MaskedOutElementsKeepTheirBits) {
-    check_masked_out_specials<uint8_t, false>(zeb_tbl_zebiAdd_8u32f_C1IMR);
-    check_masked_out_specials<int8_t, false>(zeb_tbl_zebiAdd_8s32f_C1IMR);
-    check_masked_out_specials<uint16_t, false>(zeb_tbl_zebiAdd_16u32f_C1IMR);
-    check_masked_out_specials<float, false>(zeb_tbl_zebiAdd_32f_C1IMR);
-    check_masked_out_specials<uint8_t, false>(zeb_tbl_zebiAddSquare_8u32f_C1IMR);
-    check_masked_out_specials<int8_t, false>(zeb_tbl_zebiAddSquare_8s32f_C1IMR);
-    check_masked_out_specials<uint16_t, false>(zeb_tbl_zebiAddSquare_16u32f_C1IMR);
-    check_masked_out_specials<uint8_t, true>(zeb_tbl_zebiAddProduct_8u32f_C1IMR);
-    check_masked_out_specials<int8_t, true>(zeb_tbl_zebiAddProduct_8s32f_C1IMR);
-    check_masked_out_specials<uint16_t, true>(zeb_tbl_zebiAddProduct_16u32f_C1IMR);
-    check_masked_out_specials<float, true>(zeb_tbl_zebiAddProduct_32f_C1IMR);
-    check_masked_out_specials<uint8_t, false>(zeb_tbl_zebiAddWeighted_8u32f_C1IMR);
-    check_masked_out_specials<float, false>(zeb_tbl_zebiAddWeighted_32f_C1IMR);
+TEST(Accumulate, SpecialAccumulatorValues) {
+    check_masked_specials<uint8_t, false>(Op::Add, zeb_tbl_zebiAdd_8u32f_C1IMR);
+    check_masked_specials<int8_t, false>(Op::Add, zeb_tbl_zebiAdd_8s32f_C1IMR);
+    check_masked_specials<uint16_t, false>(Op::Add, zeb_tbl_zebiAdd_16u32f_C1IMR);
+    check_masked_specials<float, false>(Op::Add, zeb_tbl_zebiAdd_32f_C1IMR);
+    check_masked_specials<uint8_t, false>(Op::Square, zeb_tbl_zebiAddSquare_8u32f_C1IMR);
+    check_masked_specials<int8_t, false>(Op::Square, zeb_tbl_zebiAddSquare_8s32f_C1IMR);
+    check_masked_specials<uint16_t, false>(Op::Square, zeb_tbl_zebiAddSquare_16u32f_C1IMR);
+    check_masked_specials<uint8_t, true>(Op::Product, zeb_tbl_zebiAddProduct_8u32f_C1IMR);
+    check_masked_specials<int8_t, true>(Op::Product, zeb_tbl_zebiAddProduct_8s32f_C1IMR);
+    check_masked_specials<uint16_t, true>(Op::Product, zeb_tbl_zebiAddProduct_16u32f_C1IMR);
+    check_masked_specials<float, true>(Op::Product, zeb_tbl_zebiAddProduct_32f_C1IMR);
+    check_masked_specials<uint8_t, false>(Op::Weighted, zeb_tbl_zebiAddWeighted_8u32f_C1IMR);
+    check_masked_specials<float, false>(Op::Weighted, zeb_tbl_zebiAddWeighted_32f_C1IMR);
 }
 
 // Streaming and cached kernels give the same bits: a failing cache query
