@@ -26,7 +26,9 @@ function(zeb_build_library)
   add_library(zebcv SHARED ${objs})
   add_library(zebcv_static STATIC ${objs})
   set_target_properties(zebcv_static PROPERTIES OUTPUT_NAME zebcv)
-  set_target_properties(zebcv PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  # Installed next to each other: libzebcv finds libzebcore by its own path.
+  set_target_properties(zebcv PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN")
   # Only the library's own functions leave the shared object.
   target_link_options(zebcv PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/zebcv.map -Wl,--no-undefined)
   set_property(TARGET zebcv APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/zebcv.map)
