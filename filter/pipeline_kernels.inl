@@ -1,0 +1,480 @@
+// Row and column kernels of the separable filters (row pass, column pass and
+// the Gaussian filter built on them), compiled once per instruction-set path
+// (see core/isa_expand.h). Every vector loop has a scalar twin that performs
+// the same operations in the same order, so heads, tails and whole rows agree
+// bit for bit on every path.
+
+using namespace ::zeb::pipe;
+
+inline constexpr int kLanes = ZEB_VEC_BYTES / 4;  // floats per vector
+inline constexpr int kShorts = ZEB_VEC_BYTES / 2;  // 16-bit values per vector
+
+#if ZEB_VEC_BYTES == 32
+typedef __m256 vf;
+typedef __m256i vi;
+inline vf f_set1(float v) { return _mm256_set1_ps(v); }
+inline vf f_add(vf a, vf b) { return _mm256_add_ps(a, b); }
+inline vf f_mul(vf a, vf b) { return _mm256_mul_ps(a, b); }
+inline vf f_clamp(vf v, vf lo, vf hi) { return _mm256_min_ps(_mm256_max_ps(v, lo), hi); }
+inline vi f_cvt(vf v) { return _mm256_cvtps_epi32(v); }
+inline vi f_cvtt(vf v) { return _mm256_cvttps_epi32(v); }
+inline vf i_to_f(vi v) { return _mm256_cvtepi32_ps(v); }
+inline vi i_zero() { return _mm256_setzero_si256(); }
+inline vi i_set1(int32_t v) { return _mm256_set1_epi32(v); }
+inline vi i_add(vi a, vi b) { return _mm256_add_epi32(a, b); }
+inline vi i_madd(vi a, vi b) { return _mm256_madd_epi16(a, b); }
+inline vi i_lo16(vi a, vi b) { return _mm256_unpacklo_epi16(a, b); }
+inline vi i_hi16(vi a, vi b) { return _mm256_unpackhi_epi16(a, b); }
+template <int n>
+inline vi i_sra(vi v) { return _mm256_srai_epi32(v, n); }
+inline vi i_packs(vi a, vi b) { return _mm256_packs_epi32(a, b); }
+inline vi i_loadu(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+inline void i_storeu(void* p, vi v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
+
+template <class T>
+inline vf load_f(const T* p) {
+    if constexpr (std::is_same_v<T, float>) {
+        return _mm256_loadu_ps(p);
+    } else if constexpr (std::is_same_v<T, uint8_t>) {
+        return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+    } else if constexpr (std::is_same_v<T, int16_t>) {
+        return _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+    } else {
+        return _mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+    }
+}
+// kShorts samples widened to 16-bit lanes.
+template <class T>
+inline vi load16(const T* p) {
+    if constexpr (std::is_same_v<T, uint8_t>)
+        return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    else
+        return i_loadu(p);
+}
+// The two 128-bit halves of an int32 vector, low elements first.
+inline __m128i half_lo(vi v) { return _mm256_castsi256_si128(v); }
+inline __m128i half_hi(vi v) { return _mm256_extracti128_si256(v, 1); }
+// kShorts bytes from 16-bit lanes that already hold byte values.
+inline void store_bytes16(void* p, vi v, bool isSigned) {
+    const vi b = isSigned ? _mm256_packs_epi16(v, v) : _mm256_packus_epi16(v, v);
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(_mm256_permute4x64_epi64(b, 0x08)));
+}
+#else
+typedef __m128 vf;
+typedef __m128i vi;
+inline vf f_set1(float v) { return _mm_set1_ps(v); }
+inline vf f_add(vf a, vf b) { return _mm_add_ps(a, b); }
+inline vf f_mul(vf a, vf b) { return _mm_mul_ps(a, b); }
+inline vf f_clamp(vf v, vf lo, vf hi) { return _mm_min_ps(_mm_max_ps(v, lo), hi); }
+inline vi f_cvt(vf v) { return _mm_cvtps_epi32(v); }
+inline vi f_cvtt(vf v) { return _mm_cvttps_epi32(v); }
+inline vf i_to_f(vi v) { return _mm_cvtepi32_ps(v); }
+inline vi i_zero() { return _mm_setzero_si128(); }
+inline vi i_set1(int32_t v) { return _mm_set1_epi32(v); }
+inline vi i_add(vi a, vi b) { return _mm_add_epi32(a, b); }
+inline vi i_madd(vi a, vi b) { return _mm_madd_epi16(a, b); }
+inline vi i_lo16(vi a, vi b) { return _mm_unpacklo_epi16(a, b); }
+inline vi i_hi16(vi a, vi b) { return _mm_unpackhi_epi16(a, b); }
+template <int n>
+inline vi i_sra(vi v) { return _mm_srai_epi32(v, n); }
+inline vi i_packs(vi a, vi b) { return _mm_packs_epi32(a, b); }
+inline vi i_loadu(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+inline void i_storeu(void* p, vi v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+
+template <class T>
+inline vf load_f(const T* p) {
+    const __m128i z = _mm_setzero_si128();
+    if constexpr (std::is_same_v<T, float>) {
+        return _mm_loadu_ps(p);
+    } else if constexpr (std::is_same_v<T, uint8_t>) {
+        const __m128i b = _mm_cvtsi32_si128(load_u<int32_t>(p));
+        return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(b, z), z));
+    } else if constexpr (std::is_same_v<T, int16_t>) {
+        const __m128i s = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+        return _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(s, s), 16));
+    } else {
+        return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), z));
+    }
+}
+template <class T>
+inline vi load16(const T* p) {
+    if constexpr (std::is_same_v<T, uint8_t>)
+        return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+    else
+        return i_loadu(p);
+}
+inline __m128i half_lo(vi v) { return v; }
+inline __m128i half_hi(vi v) { return v; }
+inline void store_bytes16(void* p, vi v, bool isSigned) {
+    const vi b = isSigned ? _mm_packs_epi16(v, v) : _mm_packus_epi16(v, v);
+    _mm_storel_epi64(static_cast<__m128i*>(p), b);
+}
+#endif
+
+// kLanes converted values; clamps first so that the packs are exact.
+template <class D, Cvt C>
+inline void store_f(D* p, vf v) {
+    if constexpr (std::is_same_v<D, float>) {
+        std::memcpy(p, &v, sizeof v);
+    } else {
+        v = f_clamp(v, f_set1(Range<D>::lo), f_set1(Range<D>::hi));
+        const vi i = C == Cvt::Trunc ? f_cvtt(v) : f_cvt(v);
+        const __m128i lo = half_lo(i), hi = half_hi(i);
+        __m128i s16;
+        if constexpr (std::is_same_v<D, uint16_t>) {
+            const __m128i bias = _mm_set1_epi32(32768);
+            s16 = _mm_xor_si128(_mm_packs_epi32(_mm_sub_epi32(lo, bias), _mm_sub_epi32(hi, bias)),
+                                _mm_set1_epi16(int16_t(0x8000)));
+        } else {
+            s16 = _mm_packs_epi32(lo, hi);
+        }
+        if constexpr (sizeof(D) == 2) {
+            if constexpr (kLanes == 8)
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(p), s16);
+            else
+                _mm_storel_epi64(reinterpret_cast<__m128i*>(p), s16);
+        } else {
+            const __m128i b = std::is_signed_v<D> ? _mm_packs_epi16(s16, s16) : _mm_packus_epi16(s16, s16);
+            if constexpr (kLanes == 8) {
+                _mm_storel_epi64(reinterpret_cast<__m128i*>(p), b);
+            } else {
+                const int32_t w = _mm_cvtsi128_si32(b);
+                std::memcpy(p, &w, 4);
+            }
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Float taps along a line: out[e] = sum over i of c(i) * in[e + i*stride],
+// i in index order, then times post (kPost), clamped and converted to D.
+// The row pass uses stride = channels; K is 3, 5 or 0 (any length).
+template <class S, class D, Cvt C, bool kPost, int K, class Coef>
+void float_taps(const S* in, D* out, int n, int stride, int k, Coef coef, float post) {
+    const int kk = K ? K : k;
+    constexpr int U = kUnroll;
+    float cs[K ? K : 1];
+    if constexpr (K != 0)
+        for (int i = 0; i < K; ++i) cs[i] = coef(i);
+    auto cf = [&](int i) { return K ? cs[i] : coef(i); };
+    int e = 0;
+    for (; e + U * kLanes <= n; e += U * kLanes) {
+        vf acc[U];
+        const vf c0 = f_set1(cf(0));
+        for (int u = 0; u < U; ++u) acc[u] = f_mul(c0, load_f(in + e + u * kLanes));
+        for (int i = 1; i < kk; ++i) {
+            const vf ci = f_set1(cf(i));
+            const S* p = in + e + std::ptrdiff_t(i) * stride;
+            for (int u = 0; u < U; ++u) acc[u] = f_add(acc[u], f_mul(ci, load_f(p + u * kLanes)));
+        }
+        for (int u = 0; u < U; ++u) store_f<D, C>(out + e + u * kLanes, kPost ? f_mul(acc[u], f_set1(post)) : acc[u]);
+    }
+    for (; e + kLanes <= n; e += kLanes) {
+        vf acc = f_mul(f_set1(cf(0)), load_f(in + e));
+        for (int i = 1; i < kk; ++i) acc = f_add(acc, f_mul(f_set1(cf(i)), load_f(in + e + std::ptrdiff_t(i) * stride)));
+        store_f<D, C>(out + e, kPost ? f_mul(acc, f_set1(post)) : acc);
+    }
+    for (; e < n; ++e) {
+        float acc = cf(0) * float(in[e]);
+        for (int i = 1; i < kk; ++i) acc = acc + cf(i) * float(in[e + std::ptrdiff_t(i) * stride]);
+        out[e] = finish_scalar<D, C, kPost>(acc, post);
+    }
+}
+
+// Float taps across rows: out[e] = sum over j of c(j) * rows[j][e]. With
+// kTailTrunc the values after the last whole block of 16 are truncated
+// while the others round as C says.
+template <class S, class D, Cvt C, bool kPost, bool kTailTrunc, int K, class Coef>
+void float_rows(const S* const* rows, D* out, int n, int k, Coef coef, float post) {
+    const int kk = K ? K : k;
+    constexpr int U = kUnroll;
+    float cs[K ? K : 1];
+    const S* rs[K ? K : 1];
+    if constexpr (K != 0)
+        for (int i = 0; i < K; ++i) cs[i] = coef(i), rs[i] = rows[i];
+    auto cf = [&](int i) { return K ? cs[i] : coef(i); };
+    auto rp = [&](int i) { return K ? rs[i] : rows[i]; };
+    const int body = kTailTrunc ? n - n % 16 : n;
+    int e = 0;
+    for (; e + U * kLanes <= body; e += U * kLanes) {
+        vf acc[U];
+        const vf c0 = f_set1(cf(0));
+        for (int u = 0; u < U; ++u) acc[u] = f_mul(c0, load_f(rp(0) + e + u * kLanes));
+        for (int j = 1; j < kk; ++j) {
+            const vf cj = f_set1(cf(j));
+            const S* p = rp(j) + e;
+            for (int u = 0; u < U; ++u) acc[u] = f_add(acc[u], f_mul(cj, load_f(p + u * kLanes)));
+        }
+        for (int u = 0; u < U; ++u) store_f<D, C>(out + e + u * kLanes, kPost ? f_mul(acc[u], f_set1(post)) : acc[u]);
+    }
+    for (; e + kLanes <= body; e += kLanes) {
+        vf acc = f_mul(f_set1(cf(0)), load_f(rp(0) + e));
+        for (int j = 1; j < kk; ++j) acc = f_add(acc, f_mul(f_set1(cf(j)), load_f(rp(j) + e)));
+        store_f<D, C>(out + e, kPost ? f_mul(acc, f_set1(post)) : acc);
+    }
+    for (; e < n; ++e) {
+        float acc = cf(0) * float(rp(0)[e]);
+        for (int j = 1; j < kk; ++j) acc = acc + cf(j) * float(rp(j)[e]);
+        out[e] = e < body ? finish_scalar<D, C, kPost>(acc, post) : finish_scalar<D, Cvt::Trunc, kPost>(acc, post);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Exact integer taps with 16-bit coefficients: pairs of taps are
+// interleaved and multiplied-added into 32-bit sums. Callers guarantee that
+// no sum leaves the 32-bit range. Fin turns the exact sum into the output.
+
+inline vi coef_pair(int16_t a, int16_t b) { return i_set1(int32_t(uint32_t(uint16_t(a)) | (uint32_t(uint16_t(b)) << 16))); }
+
+// Row pass of the 16s and 8u16s forms: S * scale, clamped, truncated.
+struct FinScale {
+    float scale;
+    int16_t scalar(int32_t s) const { return cvt_scalar<int16_t, Cvt::Trunc>(float(s) * scale); }
+    vi vec(vi lo, vi hi) const {
+        const vf sc = f_set1(scale), a = f_set1(-32768.f), b = f_set1(32767.f);
+        return i_packs(f_cvtt(f_clamp(f_mul(i_to_f(lo), sc), a, b)), f_cvtt(f_clamp(f_mul(i_to_f(hi), sc), a, b)));
+    }
+};
+// Row pass of the 8u Gaussian: 12-bit coefficients, 7 fractional bits kept.
+struct FinGauss8Row {
+    int16_t scalar(int32_t s) const {
+        const int32_t v = (s + 16) >> 5;
+        return int16_t(v > 32767 ? 32767 : v);
+    }
+    vi vec(vi lo, vi hi) const {
+        const vi r = i_set1(16);
+        return i_packs(i_sra<5>(i_add(lo, r)), i_sra<5>(i_add(hi, r)));
+    }
+};
+
+template <class S, class Fin>
+void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t* c, Fin fin) {
+    int e = 0;
+    for (; e + kShorts <= n; e += kShorts) {
+        vi lo = i_zero(), hi = i_zero();
+        int i = 0;
+        for (; i + 1 < k; i += 2) {
+            const vi a = load16(in + e + std::ptrdiff_t(i) * stride);
+            const vi b = load16(in + e + std::ptrdiff_t(i + 1) * stride);
+            const vi cc = coef_pair(c[i], c[i + 1]);
+            lo = i_add(lo, i_madd(i_lo16(a, b), cc));
+            hi = i_add(hi, i_madd(i_hi16(a, b), cc));
+        }
+        if (i < k) {
+            const vi a = load16(in + e + std::ptrdiff_t(i) * stride);
+            const vi cc = coef_pair(c[i], 0);
+            lo = i_add(lo, i_madd(i_lo16(a, i_zero()), cc));
+            hi = i_add(hi, i_madd(i_hi16(a, i_zero()), cc));
+        }
+        i_storeu(out + e, fin.vec(lo, hi));
+    }
+    for (; e < n; ++e) {
+        int32_t s = 0;
+        for (int i = 0; i < k; ++i) s += int32_t(c[i]) * int32_t(in[e + std::ptrdiff_t(i) * stride]);
+        out[e] = fin.scalar(s);
+    }
+}
+
+// Column pass of the 8u Gaussian: rows hold values 0..32767 with 7
+// fractional bits; result min((C + 2^18) >> 19, 255).
+inline void gauss8_rows(const int16_t* const* rows, uint8_t* out, int n, int k, const int16_t* c) {
+    int e = 0;
+    for (; e + kShorts <= n; e += kShorts) {
+        vi lo = i_zero(), hi = i_zero();
+        int j = 0;
+        for (; j + 1 < k; j += 2) {
+            const vi a = i_loadu(rows[j] + e), b = i_loadu(rows[j + 1] + e);
+            const vi cc = coef_pair(c[j], c[j + 1]);
+            lo = i_add(lo, i_madd(i_lo16(a, b), cc));
+            hi = i_add(hi, i_madd(i_hi16(a, b), cc));
+        }
+        if (j < k) {
+            const vi a = i_loadu(rows[j] + e);
+            const vi cc = coef_pair(c[j], 0);
+            lo = i_add(lo, i_madd(i_lo16(a, i_zero()), cc));
+            hi = i_add(hi, i_madd(i_hi16(a, i_zero()), cc));
+        }
+        const vi r = i_set1(1 << 18);
+        store_bytes16(out + e, i_packs(i_sra<19>(i_add(lo, r)), i_sra<19>(i_add(hi, r))), false);
+    }
+    for (; e < n; ++e) {
+        int32_t s = 0;
+        for (int j = 0; j < k; ++j) s += int32_t(c[j]) * int32_t(rows[j][e]);
+        const int32_t v = (s + (1 << 18)) >> 19;
+        out[e] = uint8_t(v > 255 ? 255 : v);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// One row of a row pass with its horizontal border. span(in, out, count)
+// computes `count` outputs where output e reads in[e + i*ch]. The interior
+// reads the source row directly; the at most k-1 outputs at either end that
+// need pixels outside the row read a short border-extended copy (edge, room
+// for 2 * (2k - 2) * ch samples) built with the shared border rules.
+template <class S, class D, class Span>
+void row_with_border(const S* src, D* dst, int w, int ch, int k, int a, const border::Spec& bs, const S* value,
+                     S* edge, Span&& span) {
+    const int xl = bs.left ? 0 : (a < w ? a : w);
+    int xr = bs.right ? w : w - (k - 1 - a);
+    if (xr < xl) xr = xl;
+    if (xr > xl) span(src + std::ptrdiff_t(xl - a) * ch, dst + std::ptrdiff_t(xl) * ch, (xr - xl) * ch);
+    // Positions p0 .. p0+count-1 of the extended row into edge.
+    auto extend = [&](int p0, int count) {
+        for (int t = 0; t < count; ++t) {
+            const int p = p0 + t;
+            S* d = edge + std::ptrdiff_t(t) * ch;
+            const bool inMem = (p < 0 && bs.left) || (p >= w && bs.right);
+            const int j = inMem ? p : border::map_index(p, w, bs.mode);
+            for (int c = 0; c < ch; ++c) d[c] = j < 0 && !inMem ? value[c] : src[std::ptrdiff_t(j) * ch + c];
+        }
+    };
+    if (xl > 0) {
+        extend(-a, xl + k - 1);
+        span(edge, dst, xl * ch);
+    }
+    if (xr < w) {
+        extend(xr - a, w - xr + k - 1);
+        span(edge, dst + std::ptrdiff_t(xr) * ch, (w - xr) * ch);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Spans of the row and column passes, with the 3- and 5-tap kernels
+// unrolled. Results do not depend on which one runs.
+
+template <class S, class D, Cvt C, bool kPost, class Coef>
+auto float_row_span(int k, int ch, Coef coef, float post) {
+    return [=](const S* in, D* out, int n) {
+        if (k == 3)
+            float_taps<S, D, C, kPost, 3>(in, out, n, ch, k, coef, post);
+        else if (k == 5)
+            float_taps<S, D, C, kPost, 5>(in, out, n, ch, k, coef, post);
+        else
+            float_taps<S, D, C, kPost, 0>(in, out, n, ch, k, coef, post);
+    };
+}
+
+template <class S, class D, Cvt C, bool kPost, bool kTailTrunc, class Coef>
+auto float_col_span(int k, Coef coef, float post) {
+    return [=](const S* const* rows, D* out, int n) {
+        if (k == 3)
+            float_rows<S, D, C, kPost, kTailTrunc, 3>(rows, out, n, k, coef, post);
+        else if (k == 5)
+            float_rows<S, D, C, kPost, kTailTrunc, 5>(rows, out, n, k, coef, post);
+        else
+            float_rows<S, D, C, kPost, kTailTrunc, 0>(rows, out, n, k, coef, post);
+    };
+}
+
+template <class S, class Fin>
+auto int_row_span(int k, int ch, const int16_t* c, Fin fin) {
+    return [=](const S* in, int16_t* out, int n) { int_taps<S, Fin>(in, out, n, ch, k, c, fin); };
+}
+
+// The row pass over a whole ROI into the caller's row buffers.
+template <class S, class D, class Span>
+void row_pass(const S* src, int srcStep, D* const* dst, int w, int h, int ch, int k, int a, const border::Spec& bs,
+              const S* value, S* edge, Span span) {
+    for (int y = 0; y < h; ++y) row_with_border(row(src, srcStep, y), dst[y], w, ch, k, a, bs, value, edge, span);
+}
+
+// The column pass over a whole ROI.
+template <class S, class D, class Span>
+void column_pass(const S* const* rows, D* dst, int dstStep, int w, int h, int ch, Span span) {
+    for (int y = 0; y < h; ++y) span(rows + y, row(dst, dstStep, y), w * ch);
+}
+
+// A whole separable filter with borders on all four sides, strip by strip
+// (see StripBuffers).
+template <class S, class M, class D, class RowSpan, class ColSpan>
+void separable_image(const S* src, int srcStep, D* dst, int dstStep, int w, int h, int ch, int k,
+                     const border::Spec& bs, const S* value, const StripBuffers& b, RowSpan rowSpan,
+                     ColSpan colSpan) {
+    const int a = k / 2;
+    S* edge = static_cast<S*>(b.edge);
+    M* constRow = static_cast<M*>(b.constRow);
+    bool constReady = false;
+    auto slot = [&](int j) { return reinterpret_cast<M*>(b.ring + b.pitch * ((j + a) % b.ringRows)); };
+    // The filtered row of image row j (j may lie outside 0..h-1).
+    auto filtered = [&](int j) -> const M* {
+        const S* s = border::source_row(src, srcStep, j, h, bs);
+        return s ? slot(j) : constRow;
+    };
+    int next = -a;  // first image row not yet filtered
+    for (int y0 = 0; y0 < h; y0 += b.strip) {
+        const int rows = h - y0 < b.strip ? h - y0 : b.strip;
+        const int end = y0 + rows + k - 1 - a;
+        for (; next < end; ++next) {
+            const S* s = border::source_row(src, srcStep, next, h, bs);
+            if (s) {
+                row_with_border(s, slot(next), w, ch, k, a, bs, value, edge, rowSpan);
+            } else if (!constReady) {
+                S* cs = static_cast<S*>(b.constSrc);
+                for (int x = 0; x < w; ++x)
+                    for (int c = 0; c < ch; ++c) cs[std::ptrdiff_t(x) * ch + c] = value[c];
+                border::Spec cb;
+                cb.mode = border::kConst;
+                row_with_border(static_cast<const S*>(cs), constRow, w, ch, k, a, cb, value, edge, rowSpan);
+                constReady = true;
+            }
+        }
+        const M** p = reinterpret_cast<const M**>(b.ptrs);
+        for (int t = 0; t < rows + k - 1; ++t) p[t] = filtered(y0 - a + t);
+        for (int y = 0; y < rows; ++y) colSpan(p + y, row(dst, dstStep, y0 + y), w * ch);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Whole passes as the exports run them.
+
+// Row pass: float coefficients c (32f: the kernel; integer forms: the
+// kernel times the reciprocal of the divisor), or, with exact, integer sums
+// of the raw 16-bit kernel scaled afterwards.
+template <class S, class D>
+void row_job(const S* src, int srcStep, D* const* dst, int w, int h, int ch, int k, int a, const border::Spec& bs,
+             const S* value, S* edge, const float* c, bool exact, const int16_t* kern, float scale) {
+    if constexpr (std::is_same_v<D, float>) {
+        row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
+                 float_row_span<S, D, Cvt::None, false>(k, ch, FloatCoefs{c}, 1.f));
+    } else {
+        if constexpr (std::is_same_v<D, int16_t>) {
+            if (exact) {
+                row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
+                         int_row_span<S>(k, ch, kern, FinScale{scale}));
+                return;
+            }
+        }
+        row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
+                 float_row_span<S, D, Cvt::Trunc, false>(k, ch, FloatCoefs{c}, 1.f));
+    }
+}
+
+template <class S, class D, Cvt C, bool kTailTrunc, class Coef>
+void column_job(const S* const* rows, D* dst, int dstStep, int w, int h, int ch, int k, Coef coef) {
+    column_pass(rows, dst, dstStep, w, h, ch, float_col_span<S, D, C, false, kTailTrunc>(k, coef, 1.f));
+}
+
+// The Gaussian filter over a whole ROI with the coefficient table of its
+// specification (float for 32f, unsigned fixed point otherwise).
+template <class T>
+void gauss_job(const T* src, int srcStep, T* dst, int dstStep, int w, int h, int ch, int k, const border::Spec& bs,
+               const T* value, const StripBuffers& b, const unsigned char* table) {
+    if constexpr (std::is_same_v<T, float>) {
+        const FloatCoefs c{reinterpret_cast<const float*>(table)};
+        separable_image<T, float, T>(src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b,
+                                     float_row_span<T, float, Cvt::None, false>(k, ch, c, 1.f),
+                                     float_col_span<float, T, Cvt::None, false, false>(k, c, 1.f));
+    } else if constexpr (std::is_same_v<T, uint8_t>) {
+        // 12-bit coefficients fit the signed 16-bit multiply-add.
+        const int16_t* c = reinterpret_cast<const int16_t*>(table);
+        separable_image<T, int16_t, T>(
+            src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b, int_row_span<T>(k, ch, c, FinGauss8Row{}),
+            [=](const int16_t* const* rows, uint8_t* out, int n) { gauss8_rows(rows, out, n, k, c); });
+    } else {
+        const TableCoefs c{table};
+        const float post = 1.0f / 32768.0f;
+        separable_image<T, T, T>(src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b,
+                                 float_row_span<T, T, Cvt::Nearest, true>(k, ch, c, post),
+                                 float_col_span<T, T, Cvt::Nearest, true, false>(k, c, post));
+    }
+}

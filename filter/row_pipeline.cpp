@@ -1,0 +1,156 @@
+// Row pass of the separable filters: each source row filtered horizontally,
+// with the pixels beyond its ends supplied by the border type, into the
+// caller's row buffers; and the work-buffer queries of the row pass.
+#include <cstdlib>
+#include <limits>
+#include <type_traits>
+
+#include "core/border.h"
+#include "core/checks.h"
+#include "core/dispatch.h"
+#include "core/row_driver.h"
+#include "filter/pipeline_common.h"
+#include "filter/pipeline_sizes.h"
+
+namespace zeb::ZEB_VNS {
+namespace {
+
+using namespace ::zeb::pipe;
+
+#define ZEB_KERNELS "filter/pipeline_kernels.inl"
+#include "core/isa_expand.h"
+
+// How a member treats its divisor: none (32f), != 0 or >= 1 checked with
+// the border type, or != 0 checked after every other argument (8u16s).
+enum class Div { None, NonZero, Positive, LateNonZero };
+
+// The exact integer path needs every 32-bit partial sum to stay in range:
+// pairs of products are summed by the multiply-add instructions, which
+// cannot take -32768 twice, and the whole sum must fit.
+template <class S>
+bool exact_sums_fit(const int16_t* kern, int k) {
+    constexpr int64_t maxSample = std::is_same_v<S, uint8_t> ? 255 : 32768;
+    int64_t total = 0;
+    for (int i = 0; i < k; ++i) {
+        if (kern[i] == -32768) return false;
+        total += std::abs(int32_t(kern[i]));
+    }
+    return total * maxSample <= std::numeric_limits<int32_t>::max();
+}
+
+template <class S, class D, Div kDiv, bool kEvenCheck, class K>
+ZebStatus row_border(const S* src, int srcStep, D* const* dst, ZebiSize roi, const K* kern, int k, int a,
+                     int32_t borderType, const S* value, int ch, int divisor, Zeb8u* buf) {
+    if (any_null(src, dst, kern, buf)) return zebStsNullPtrErr;
+    if (bad_roi(roi)) return zebStsSizeErr;
+    for (int y = 0; y < roi.height; ++y)
+        if (!dst[y]) return zebStsNullPtrErr;
+    if (!value) return zebStsNullPtrErr;
+    if (k < 1) return zebStsSizeErr;
+    if (a < 0 || a >= k) return zebStsAnchorErr;
+    const StepReq rs = req<S>(srcStep, roi.width, ch);
+    if (ZebStatus s = min_steps({rs})) return s;
+    if (kEvenCheck)
+        if (ZebStatus s = even_steps({rs})) return s;
+    const bool badBorder = borderType != border::kConst && borderType != border::kRepl && borderType != border::kInMem;
+    if (badBorder || (kDiv == Div::NonZero && divisor == 0) || (kDiv == Div::Positive && divisor < 1))
+        return zebStsBadArgErr;
+    if (kDiv == Div::LateNonZero && divisor == 0) return zebStsBadArgErr;
+
+    // Work buffer: the coefficients, then the border-extended row ends.
+    float* c = reinterpret_cast<float*>(align_up(buf, 32));
+    S* edge = reinterpret_cast<S*>(c + k);
+    const border::Spec bs = border::decode(borderType);
+    bool exact = false;
+    float scale = 1.f;
+    if constexpr (std::is_same_v<K, float>) {
+        for (int i = 0; i < k; ++i) c[i] = kern[i];
+    } else {
+        scale = 1.0f / float(divisor);
+        for (int i = 0; i < k; ++i) c[i] = float(kern[i]) * scale;
+        if constexpr (std::is_same_v<D, int16_t>) exact = exact_sums_fit<S>(kern, k);
+    }
+    const int16_t* raw = nullptr;
+    if constexpr (!std::is_same_v<K, float>) raw = kern;
+    if (use_avx2())
+        avx2::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale);
+    else
+        ssse3::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale);
+    return zebStsNoErr;
+}
+
+ZebStatus row_size(ZebiSize roi, int k, int* size, int32_t (*formula)(int32_t)) {
+    if (!size) return zebStsNullPtrErr;
+    if (bad_roi(roi) || k < 1) return zebStsSizeErr;
+    *size = formula(k);
+    return zebStsNoErr;
+}
+
+}  // namespace
+
+// ---- buffer sizes ----
+#define ZEB_ROW_SIZE(name, formula) \
+    ZebStatus name(ZebiSize roi, int k, int* size) { return row_size(roi, k, size, pipeline_size::formula); }
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16s_C1R, row_16s_c1)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16s_C3R, row_16s_c3)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16u_C1R, row_16u_c1)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16u_C3R, row_16u_c3)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_32f_C1R, row_32f_c1)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_32f_C3R, row_32f_c3)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R, row_8u16s_c1)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C3R, row_8u16s_c3)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R, row_low_16s_c1)
+ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R, row_low_16s_c3)
+#undef ZEB_ROW_SIZE
+
+// ---- row passes ----
+// C1 forms pass the address of their one border value, C3 forms the
+// caller's array (checked for null after the row pointers).
+#define ZEB_ROW_INT(name, S, D, div, even, ch, V, addr)                                                           \
+    ZebStatus name(const S* src, int ss, D* const* dst, ZebiSize roi, const Zeb16s* kern, int k, int a,          \
+                   ZebiBorderType bt, V value, int divisor, Zeb8u* buf) {                                        \
+        return row_border<S, D, Div::div, even>(src, ss, dst, roi, kern, k, a, bt, addr, ch, divisor, buf);       \
+    }
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_16s_C1R, Zeb16s, Zeb16s, NonZero, true, 1, Zeb16s, &value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_16s_C3R, Zeb16s, Zeb16s, NonZero, true, 3, const Zeb16s*, value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_Low_16s_C1R, Zeb16s, Zeb16s, NonZero, true, 1, Zeb16s, &value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_Low_16s_C3R, Zeb16s, Zeb16s, NonZero, true, 3, const Zeb16s*, value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_16u_C1R, Zeb16u, Zeb16u, Positive, true, 1, Zeb16u, &value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_16u_C3R, Zeb16u, Zeb16u, Positive, true, 3, const Zeb16u*, value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_8u16s_C1R, Zeb8u, Zeb16s, LateNonZero, false, 1, Zeb8u, &value)
+ZEB_ROW_INT(zebiFilterRowBorderPipeline_8u16s_C3R, Zeb8u, Zeb16s, LateNonZero, false, 3, const Zeb8u*, value)
+#undef ZEB_ROW_INT
+
+ZebStatus zebiFilterRowBorderPipeline_32f_C1R(const Zeb32f* src, int ss, Zeb32f* const* dst, ZebiSize roi,
+                                              const Zeb32f* kern, int k, int a, ZebiBorderType bt, Zeb32f value,
+                                              Zeb8u* buf) {
+    return row_border<Zeb32f, Zeb32f, Div::None, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, 1, buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_32f_C3R(const Zeb32f* src, int ss, Zeb32f* const* dst, ZebiSize roi,
+                                              const Zeb32f* kern, int k, int a, ZebiBorderType bt,
+                                              const Zeb32f* value, Zeb8u* buf) {
+    return row_border<Zeb32f, Zeb32f, Div::None, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, 1, buf);
+}
+
+}  // namespace zeb::ZEB_VNS
+
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_16s_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_16s_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_16u_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_16u_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_32f_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_32f_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_16s_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_16s_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_16u_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_16u_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_32f_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_32f_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_8u16s_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_8u16s_C3R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_Low_16s_C1R);
+ZEB_EXPORT(zebiFilterRowBorderPipeline_Low_16s_C3R);
