@@ -119,6 +119,31 @@ void column_line(const S* const* rows, typename Lane<S>::W* t, int w) {
     }
 }
 
+// Column lines of two consecutive output rows at once: rows[0 .. k] hold
+// k + 1 source rows, the first line uses rows 0 .. k-1, the second 1 .. k,
+// and every source vector is loaded once for both.
+template <class D, int T, class S>
+void column_line2(const S* const* rows, typename Lane<S>::W* ta, typename Lane<S>::W* tb, int w) {
+    using L = Lane<S>;
+    using V = typename L::V;
+    using C = Taps<D, T, false>;
+    int x = 0;
+    for (; x + L::n <= w; x += L::n) {
+        V v[D::k + 1];
+        for (int i = 0; i <= D::k; ++i) v[i] = vload(rows[i] + x);
+        const auto lda = [&](int i) { return v[i]; };
+        const auto ldb = [&](int i) { return v[i + 1]; };
+        vstore(ta + x, dot<C, V>(lda));
+        vstore(tb + x, dot<C, V>(ldb));
+    }
+    for (; x < w; ++x) {
+        const auto lda = [&](int i) { return typename L::A(sload(rows[i] + x)); };
+        const auto ldb = [&](int i) { return typename L::A(sload(rows[i + 1] + x)); };
+        ta[x] = typename L::W(dot<C, typename L::A>(lda));
+        tb[x] = typename L::W(dot<C, typename L::A>(ldb));
+    }
+}
+
 // The r columns beyond each side: read from memory when that side is in
 // memory, the column sum of the border value for a constant border, else
 // the column the border rule maps to (the column sums are already there).
@@ -235,26 +260,30 @@ void filter_image(const Job<S, Dst>& j) {
     W* t1 = kTwoLines ? carve.take<W>(ext) + r : nullptr;
     int16_t* line = k8s ? carve.take<int16_t>(j.w) : nullptr;
 
-    const S* rows[5];
-    for (int y = 0; y < j.h; ++y) {
-        for (int i = 0; i < D::k; ++i) {
+    // Two output rows per step share their source rows; a second set of
+    // lines holds the lower row's column sums.
+    W* u0 = carve.take<W>(ext) + r;
+    W* u1 = kTwoLines ? carve.take<W>(ext) + r : nullptr;
+
+    const S* rows[6];
+    auto fetch = [&](int y, int count) {
+        for (int i = 0; i < count; ++i) {
             const S* p = border::source_row(j.src, j.srcStep, y - r + i, j.h, j.spec);
             rows[i] = p ? p : constRow + r;
         }
-        column_line<D, 0>(rows, t0, j.w);
-        column_edges<D, 0>(rows, t0, j);
-        if constexpr (kTwoLines) {
-            column_line<D, 1>(rows, t1, j.w);
-            column_edges<D, 1>(rows, t1, j);
-        }
+    };
+    // The result of output row y from its lines.
+    auto finish = [&](int y, const S* const* rws, W* l0, W* l1) {
+        column_edges<D, 0>(rws, l0, j);
+        if constexpr (kTwoLines) column_edges<D, 1>(rws, l1, j);
         Dst* out = row(j.dst, j.dstStep, y);
         auto emit = [&](auto* o) {
             if constexpr (kTwoLines)
-                output_row<D, kLine, S>(t0, t1, o, j.w);
+                output_row<D, kLine, S>(l0, l1, o, j.w);
             else if constexpr (D::terms == 2)
-                output_row<D, kLine, S>(t0, rows[r], o, j.w);
+                output_row<D, kLine, S>(l0, rws[r], o, j.w);
             else
-                output_row<D, kLine, S>(t0, t0, o, j.w);
+                output_row<D, kLine, S>(l0, l0, o, j.w);
         };
         if constexpr (k8s) {
             emit(line);
@@ -262,6 +291,20 @@ void filter_image(const Job<S, Dst>& j) {
         } else {
             emit(out);
         }
+    };
+    int y = 0;
+    for (; y + 1 < j.h; y += 2) {
+        fetch(y, D::k + 1);
+        column_line2<D, 0>(rows, t0, u0, j.w);
+        if constexpr (kTwoLines) column_line2<D, 1>(rows, t1, u1, j.w);
+        finish(y, rows, t0, t1);
+        finish(y + 1, rows + 1, u0, u1);
+    }
+    if (y < j.h) {
+        fetch(y, D::k);
+        column_line<D, 0>(rows, t0, j.w);
+        if constexpr (kTwoLines) column_line<D, 1>(rows, t1, j.w);
+        finish(y, rows, t0, t1);
     }
 }
 
