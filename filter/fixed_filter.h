@@ -208,6 +208,21 @@ struct Job {
 #define ZEB_KERNELS "filter/fixed_filter_kernels.inl"
 #include "core/isa_expand.h"
 
+template <class D, Out O, class S, class Dst>
+void dispatch(const Job<S, Dst>& job, bool stream) {
+    if (use_avx2()) {
+        if (stream)
+            avx2::filter_image<D, O, true>(job);
+        else
+            avx2::filter_image<D, O, false>(job);
+    } else {
+        if (stream)
+            ssse3::filter_image<D, O, true>(job);
+        else
+            ssse3::filter_image<D, O, false>(job);
+    }
+}
+
 // Checks the arguments in order and runs the filter D with output rule O.
 // kScaled: the member takes a divisor (checked after the border).
 // kMasks: the member takes a mask size; D3 / D5 are its two kernels.
@@ -225,17 +240,12 @@ ZebStatus run(const S* src, int32_t ss, Dst* dst, int32_t ds, ZebiSize roi, int3
 
     Job<S, Dst> job{src, ss, dst, ds, roi.width, roi.height, border::decode(borderType), value,
                     kScaled ? divisor : 1, align_up(static_cast<unsigned char*>(buffer), 32)};
-    if (k == 3) {
-        if (use_avx2())
-            avx2::filter_image<D3, O>(job);
-        else
-            ssse3::filter_image<D3, O>(job);
-    } else {
-        if (use_avx2())
-            avx2::filter_image<D5, O>(job);
-        else
-            ssse3::filter_image<D5, O>(job);
-    }
+    // Results go straight to memory when the images outgrow the cache.
+    const bool stream = use_streaming(roi, int32_t(sizeof(S) + sizeof(Dst)));
+    if (k == 3)
+        dispatch<D3, O>(job, stream);
+    else
+        dispatch<D5, O>(job, stream);
     return zebStsNoErr;
 }
 

@@ -65,6 +65,23 @@ ZEB_AI void vstore(T* p, V v) {
     std::memcpy(p, &v, sizeof v);
 }
 
+// Stores of one whole result vector; the streaming forms need p aligned to
+// the vector's byte size, which the row driver guarantees.
+template <bool kStream, class T, class V>
+ZEB_AI void put_store(T* p, V v) {
+    if constexpr (!kStream) {
+        std::memcpy(p, &v, sizeof v);
+    } else if constexpr (sizeof v == 32) {
+        _mm256_stream_si256(reinterpret_cast<__m256i*>(p), __m256i(v));
+    } else if constexpr (sizeof v == 16) {
+        _mm_stream_si128(reinterpret_cast<__m128i*>(p), __m128i(v));
+    } else {
+        long long q;
+        std::memcpy(&q, &v, 8);
+        _mm_stream_si64(reinterpret_cast<long long*>(p), q);
+    }
+}
+
 ZEB_AI int sload(const uint8_t* p) { return *p; }
 ZEB_AI int sload(const int16_t* p) { return *p; }
 ZEB_AI float sload(const float* p) { return *p; }
@@ -171,28 +188,28 @@ void column_edges(const S* const* rows, typename Lane<S>::W* t, const Job<S, Dst
 
 // ---- row step and the result ----
 
-template <Out O, class D>
+template <Out O, class D, bool kStream>
 ZEB_AI void put_vec(int16_t* p, vs v) {
     if constexpr (O == Out::S16Neg) v = -v;
-    vstore(p, v);
+    put_store<kStream>(p, v);
 }
-template <Out O, class D>
+template <Out O, class D, bool kStream>
 ZEB_AI void put_vec(float* p, vf v) {
     if constexpr (O == Out::F32Neg) v = -v;
     if constexpr (O == Out::F32Mean) v = v * (1.0f / float(cell_count<D>()));
-    vstore(p, v);
+    put_store<kStream>(p, v);
 }
-template <Out O, class D>
+template <Out O, class D, bool kStream>
 ZEB_AI void put_vec(uint8_t* p, vs v) {
     using M = MeanMagic<cell_count<D>()>;
     v = v + int16_t(cell_count<D>() / 2);
 #if ZEB_VEC_BYTES == 32
     const __m256i q = _mm256_srli_epi16(_mm256_mulhi_epu16(__m256i(v), _mm256_set1_epi16(int16_t(M::mul))), M::shift);
-    const __m128i b = _mm_packus_epi16(_mm256_castsi256_si128(q), _mm256_extracti128_si256(q, 1));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), b);
+    put_store<kStream>(p, _mm_packus_epi16(_mm256_castsi256_si128(q), _mm256_extracti128_si256(q, 1)));
 #else
     const __m128i q = _mm_srli_epi16(_mm_mulhi_epu16(__m128i(v), _mm_set1_epi16(int16_t(M::mul))), M::shift);
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(q, q));
+    typedef int64_t v1q __attribute__((vector_size(8)));
+    put_store<kStream>(p, v1q{_mm_cvtsi128_si64(_mm_packus_epi16(q, q))});
 #endif
 }
 
@@ -213,7 +230,7 @@ ZEB_AI void put_one(uint8_t* p, int v) {
 
 // out(x) = sum of the row taps over t0 (plus those of the second term over
 // t1, a column line or the source row itself).
-template <class D, Out O, class S, class P1, class Dst>
+template <class D, Out O, bool kStream, class S, class P1, class Dst>
 void output_row(const typename Lane<S>::W* t0, const P1* t1, Dst* out, int w) {
     using L = Lane<S>;
     using V = typename L::V;
@@ -221,17 +238,16 @@ void output_row(const typename Lane<S>::W* t0, const P1* t1, Dst* out, int w) {
     constexpr int r = D::k / 2;
     using R0 = Taps<D, 0, true>;
     using R1 = Taps<D, D::terms - 1, true>;
-    int x = 0;
-    for (; x + L::n <= w; x += L::n) {
+    auto block = [&](int x) {
         const auto ld0 = [&](int i) { return vload(t0 + x + i - r); };
         V acc = dot<R0, V>(ld0);
         if constexpr (D::terms == 2) {
             const auto ld1 = [&](int i) { return vload(t1 + x + i - r); };
             acc = acc + dot<R1, V>(ld1);
         }
-        put_vec<O, D>(out + x, acc);
-    }
-    for (; x < w; ++x) {
+        put_vec<O, D, kStream>(out + x, acc);
+    };
+    auto scalar = [&](int x) {
         const auto ld0 = [&](int i) { return A(sload(t0 + x + i - r)); };
         A acc = dot<R0, A>(ld0);
         if constexpr (D::terms == 2) {
@@ -239,12 +255,13 @@ void output_row(const typename Lane<S>::W* t0, const P1* t1, Dst* out, int w) {
             acc = acc + dot<R1, A>(ld1);
         }
         put_one<O, D>(out + x, acc);
-    }
+    };
+    drive_row<L::n * int(sizeof(Dst)), L::n>(out, w, scalar, block);
 }
 
 // ---- the whole image ----
 
-template <class D, Out O, class S, class Dst>
+template <class D, Out O, bool kStream, class S, class Dst>
 void filter_image(const Job<S, Dst>& j) {
     using W = typename Lane<S>::W;
     constexpr int r = D::k / 2;
@@ -279,11 +296,11 @@ void filter_image(const Job<S, Dst>& j) {
         Dst* out = row(j.dst, j.dstStep, y);
         auto emit = [&](auto* o) {
             if constexpr (kTwoLines)
-                output_row<D, kLine, S>(l0, l1, o, j.w);
+                output_row<D, kLine, kStream && !k8s, S>(l0, l1, o, j.w);
             else if constexpr (D::terms == 2)
-                output_row<D, kLine, S>(l0, rws[r], o, j.w);
+                output_row<D, kLine, kStream && !k8s, S>(l0, rws[r], o, j.w);
             else
-                output_row<D, kLine, S>(l0, l0, o, j.w);
+                output_row<D, kLine, kStream && !k8s, S>(l0, l0, o, j.w);
         };
         if constexpr (k8s) {
             emit(line);
@@ -306,6 +323,7 @@ void filter_image(const Job<S, Dst>& j) {
         if constexpr (kTwoLines) column_line<D, 1>(rows, t1, j.w);
         finish(y, rows, t0, t1);
     }
+    if constexpr (kStream) _mm_sfence();
 }
 
 #undef ZEB_AI

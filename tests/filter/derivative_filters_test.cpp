@@ -524,6 +524,36 @@ TEST(DerivativeFilters, NegVertIsExactlyMinusVertAndInMemoryModeIsAllFlags) {
     }
 }
 
+// Images whose working set reaches the largest cache take the streaming
+// stores; the results stay those of OpenCV.
+TEST(DerivativeFilters, LargeImagesGiveTheSameResults) {
+    int32_t cache = 0;
+    (void)zebGetMaxCacheSizeB(&cache);
+    const int64_t pixels = std::max<int64_t>(int64_t(cache) / 3 + 4096, 1 << 16);
+    if (pixels > (int64_t(1) << 26)) GTEST_SKIP() << "cache too large to fill in a test";
+    const int w = 2051, h = int(pixels / w + 1);
+    zt::Image<uint8_t> s8(w, h, 1, 3);
+    cv::Mat want16, want8;
+    cv::Sobel(s8.mat(), want16, CV_16S, 1, 0, 3, 1, 0, cv::BORDER_REFLECT_101);
+    cv::blur(s8.mat(), want8, {5, 5}, {-1, -1}, cv::BORDER_REPLICATE);
+    for (const zt::Path& p : zt::all_paths()) {
+        zt::IsaScope isa(p.isa);
+        const Member& sobel = member("SobelVert_8u16s");
+        const Member& low = member("Lowpass_8u");
+        zt::Image<int16_t> d16(w, h, 1, 2);
+        zt::Image<uint8_t> d8(w, h, 1, 1);
+        int size = 0;
+        ASSERT_EQ(sobel.query(p.variant, {w, h}, 33, &size), 0);
+        zt::Guarded b1{std::size_t(size)};
+        ASSERT_EQ(sobel.call(p.variant, {s8.ptr(), s8.step(), d16.ptr(), d16.step(), {w, h}, 33, 3, 0, 1, b1.data()}), 0);
+        ASSERT_EQ(low.query(p.variant, {w, h}, 55, &size), 0);
+        zt::Guarded b2{std::size_t(size)};
+        ASSERT_EQ(low.call(p.variant, {s8.ptr(), s8.step(), d8.ptr(), d8.step(), {w, h}, 55, 1, 0, 1, b2.data()}), 0);
+        EXPECT_EQ(cv::norm(d16.mat(), want16, cv::NORM_INF), 0) << p.name();
+        EXPECT_EQ(cv::norm(d8.mat(), want8, cv::NORM_INF), 0) << p.name();
+    }
+}
+
 TEST(DerivativeFilters, ConstantImageHasNoDerivative) {
     zt::Image<uint8_t> s8(40, 12);
     s8.fill(173);
