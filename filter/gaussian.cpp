@@ -134,7 +134,7 @@ constexpr int32_t type_code() {
 template <class T>
 void run(const T* src, int ss, T* dst, int ds, ZebiSize roi, int ch, int k, int32_t bt, const T* value,
          unsigned char* buf, const unsigned char* tab) {
-    using M = std::conditional_t<std::is_same_v<T, uint8_t>, int16_t, T>;
+    using M = std::conditional_t<std::is_same_v<T, uint8_t>, uint16_t, T>;
     const StripBuffers b = carve<T, M>(buf, roi.width, roi.height, ch, k);
     const border::Spec bs = border::decode(bt);
     if (use_avx2())

@@ -235,18 +235,6 @@ struct FinScale {
         return i_packs(f_cvtt(f_clamp(f_mul(i_to_f(lo), sc), a, b)), f_cvtt(f_clamp(f_mul(i_to_f(hi), sc), a, b)));
     }
 };
-// Row pass of the 8u Gaussian: 12-bit coefficients, 7 fractional bits kept.
-struct FinGauss8Row {
-    int16_t scalar(int32_t s) const {
-        const int32_t v = (s + 16) >> 5;
-        return int16_t(v > 32767 ? 32767 : v);
-    }
-    vi vec(vi lo, vi hi) const {
-        const vi r = i_set1(16);
-        return i_packs(i_sra<5>(i_add(lo, r)), i_sra<5>(i_add(hi, r)));
-    }
-};
-
 template <class S, class Fin>
 void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t* c, Fin fin) {
     int e = 0;
@@ -275,32 +263,89 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
     }
 }
 
-// Column pass of the 8u Gaussian: rows hold values 0..32767 with 7
-// fractional bits; result min((C + 2^18) >> 19, 255).
-inline void gauss8_rows(const int16_t* const* rows, uint8_t* out, int n, int k, const int16_t* c) {
+// The 8u Gaussian in unsigned 16-bit lanes, one high-half multiply per
+// pair of taps. The kernel is symmetric (c[i] == c[k-1-i], as built by the
+// specification), a = k/2 its centre; the outer coefficients are at most
+// 2048 and enter as c * 16, the centre (up to 4096) as c * 8:
+//   row     R = floor(s[a] * c[a] / 32) + sum over i < a of
+//               floor((s[i] + s[k-1-i]) * c[i] / 32)         (src * 128)
+//   column  C = floor(R[a] * c[a] / 8192) + sum over j < a of
+//               floor(((R[j] + R[k-1-j] + 1) >> 1) * c[j] / 4096)   (src * 64)
+//   result  min((C + 32) >> 6, 255)
+// The coefficients sum to at most 8192 (each is rounded from its exact
+// share of 4096 and at most 8192 of them reach 1), so no 16-bit sum overflows.
+#if ZEB_VEC_BYTES == 32
+inline vi u16_mulhi(vi a, vi b) { return _mm256_mulhi_epu16(a, b); }
+inline vi u16_add(vi a, vi b) { return _mm256_add_epi16(a, b); }
+inline vi u16_set1(uint16_t v) { return _mm256_set1_epi16(int16_t(v)); }
+template <int n>
+inline vi u16_shl(vi v) { return _mm256_slli_epi16(v, n); }
+template <int n>
+inline vi u16_shr(vi v) { return _mm256_srli_epi16(v, n); }
+#else
+inline vi u16_mulhi(vi a, vi b) { return _mm_mulhi_epu16(a, b); }
+inline vi u16_add(vi a, vi b) { return _mm_add_epi16(a, b); }
+inline vi u16_set1(uint16_t v) { return _mm_set1_epi16(int16_t(v)); }
+template <int n>
+inline vi u16_shl(vi v) { return _mm_slli_epi16(v, n); }
+template <int n>
+inline vi u16_shr(vi v) { return _mm_srli_epi16(v, n); }
+#endif
+
+inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int k, const uint16_t* c) {
+    constexpr int U = kUnroll > 2 ? 2 : kUnroll;
+    const int a = k / 2;
+    const std::ptrdiff_t mid = std::ptrdiff_t(a) * stride;
     int e = 0;
-    for (; e + kShorts <= n; e += kShorts) {
-        vi lo = i_zero(), hi = i_zero();
-        int j = 0;
-        for (; j + 1 < k; j += 2) {
-            const vi a = i_loadu(rows[j] + e), b = i_loadu(rows[j + 1] + e);
-            const vi cc = coef_pair(c[j], c[j + 1]);
-            lo = i_add(lo, i_madd(i_lo16(a, b), cc));
-            hi = i_add(hi, i_madd(i_hi16(a, b), cc));
+    for (; e + U * kShorts <= n; e += U * kShorts) {
+        vi acc[U];
+        const vi ca = u16_set1(uint16_t(c[a] << 3));
+        for (int u = 0; u < U; ++u) acc[u] = u16_mulhi(u16_shl<8>(load16(in + e + mid + u * kShorts)), ca);
+        for (int i = 0; i < a; ++i) {
+            const vi ci = u16_set1(uint16_t(c[i] << 4));
+            const uint8_t* p = in + e + std::ptrdiff_t(i) * stride;
+            const uint8_t* q = in + e + std::ptrdiff_t(k - 1 - i) * stride;
+            for (int u = 0; u < U; ++u)
+                acc[u] = u16_add(acc[u], u16_mulhi(u16_shl<7>(u16_add(load16(p + u * kShorts), load16(q + u * kShorts))), ci));
         }
-        if (j < k) {
-            const vi a = i_loadu(rows[j] + e);
-            const vi cc = coef_pair(c[j], 0);
-            lo = i_add(lo, i_madd(i_lo16(a, i_zero()), cc));
-            hi = i_add(hi, i_madd(i_hi16(a, i_zero()), cc));
-        }
-        const vi r = i_set1(1 << 18);
-        store_bytes16(out + e, i_packs(i_sra<19>(i_add(lo, r)), i_sra<19>(i_add(hi, r))), false);
+        for (int u = 0; u < U; ++u) i_storeu(out + e + u * kShorts, acc[u]);
     }
     for (; e < n; ++e) {
-        int32_t s = 0;
-        for (int j = 0; j < k; ++j) s += int32_t(c[j]) * int32_t(rows[j][e]);
-        const int32_t v = (s + (1 << 18)) >> 19;
+        uint32_t acc = (uint32_t(in[e + mid]) * c[a]) >> 5;
+        for (int i = 0; i < a; ++i)
+            acc += ((uint32_t(in[e + std::ptrdiff_t(i) * stride]) + in[e + std::ptrdiff_t(k - 1 - i) * stride]) * c[i]) >> 5;
+        out[e] = uint16_t(acc);
+    }
+}
+
+#if ZEB_VEC_BYTES == 32
+inline vi u16_avg(vi a, vi b) { return _mm256_avg_epu16(a, b); }
+#else
+inline vi u16_avg(vi a, vi b) { return _mm_avg_epu16(a, b); }
+#endif
+
+inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k, const uint16_t* c) {
+    constexpr int U = kUnroll > 2 ? 2 : kUnroll;
+    const int a = k / 2;
+    int e = 0;
+    for (; e + U * kShorts <= n; e += U * kShorts) {
+        vi acc[U];
+        const vi ca = u16_set1(uint16_t(c[a] << 3));
+        for (int u = 0; u < U; ++u) acc[u] = u16_mulhi(i_loadu(rows[a] + e + u * kShorts), ca);
+        for (int j = 0; j < a; ++j) {
+            const vi cj = u16_set1(uint16_t(c[j] << 4));
+            const uint16_t* p = rows[j] + e;
+            const uint16_t* q = rows[k - 1 - j] + e;
+            for (int u = 0; u < U; ++u)
+                acc[u] = u16_add(acc[u], u16_mulhi(u16_avg(i_loadu(p + u * kShorts), i_loadu(q + u * kShorts)), cj));
+        }
+        for (int u = 0; u < U; ++u)
+            store_bytes16(out + e + u * kShorts, u16_shr<6>(u16_add(acc[u], u16_set1(32))), false);
+    }
+    for (; e < n; ++e) {
+        uint32_t acc = (uint32_t(rows[a][e]) * c[a]) >> 13;
+        for (int j = 0; j < a; ++j) acc += (((uint32_t(rows[j][e]) + rows[k - 1 - j][e] + 1) >> 1) * c[j]) >> 12;
+        const uint32_t v = (acc + 32) >> 6;
         out[e] = uint8_t(v > 255 ? 255 : v);
     }
 }
@@ -465,11 +510,11 @@ void gauss_job(const T* src, int srcStep, T* dst, int dstStep, int w, int h, int
                                      float_row_span<T, float, Cvt::None, false>(k, ch, c, 1.f),
                                      float_col_span<float, T, Cvt::None, false, false>(k, c, 1.f));
     } else if constexpr (std::is_same_v<T, uint8_t>) {
-        // 12-bit coefficients fit the signed 16-bit multiply-add.
-        const int16_t* c = reinterpret_cast<const int16_t*>(table);
-        separable_image<T, int16_t, T>(
-            src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b, int_row_span<T>(k, ch, c, FinGauss8Row{}),
-            [=](const int16_t* const* rows, uint8_t* out, int n) { gauss8_rows(rows, out, n, k, c); });
+        const uint16_t* c = reinterpret_cast<const uint16_t*>(table);
+        separable_image<T, uint16_t, T>(
+            src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b,
+            [=](const uint8_t* in, uint16_t* out, int n) { gauss8_taps(in, out, n, ch, k, c); },
+            [=](const uint16_t* const* rows, uint8_t* out, int n) { gauss8_rows(rows, out, n, k, c); });
     } else {
         const TableCoefs c{table};
         const float post = 1.0f / 32768.0f;

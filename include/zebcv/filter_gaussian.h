@@ -23,8 +23,13 @@
  *
  * Arithmetic: a row pass and a column pass with the same coefficients c[i].
  *   32f      single-precision products summed in index order, per pass.
- *   8u       row: R = sum c[i]*src (exact), kept as min((R + 16) >> 5, 32767);
- *            column: C = sum c[i]*row (exact), result min((C + 2^18) >> 19, 255).
+ *   8u       with a = k/2 (the table is symmetric; its first half and centre
+ *            are read):
+ *            row     R = floor(s[a]*c[a] / 32)
+ *                        + sum over i < a of floor((s[i] + s[k-1-i]) * c[i] / 32)
+ *            column  C = floor(R[a]*c[a] / 8192)
+ *                        + sum over j < a of floor(((R[j] + R[k-1-j] + 1) >> 1) * c[j] / 4096)
+ *            result  min((C + 32) >> 6, 255).
  *   16u, 16s each pass sums c[i]*value in single precision in index order,
  *            scales the sum by 2^-15, clamps it to the type's range and rounds
  *            to nearest (ties to even); the row pass keeps 16-bit values.
