@@ -120,9 +120,13 @@ inline vd load_pd(const float* p) {
 // sixteen sum and square lanes ls, lq.
 template <bool kMask>
 void float_moments_run(const float* p, const uint8_t* m, int n, float* ls, float* lq) {
+    // Loaded and stored one vector at a time, so that the compiler keeps
+    // the lanes in registers.
     vf s[kFR], q[kFR];
-    std::memcpy(s, ls, sizeof s);
-    std::memcpy(q, lq, sizeof q);
+    for (int k = 0; k < kFR; ++k) {
+        std::memcpy(&s[k], ls + k * kFL, sizeof(vf));
+        std::memcpy(&q[k], lq + k * kFL, sizeof(vf));
+    }
     int x = 0;
     for (; x + kMomentLanes <= n; x += kMomentLanes)
         for (int k = 0; k < kFR; ++k) {
@@ -132,8 +136,10 @@ void float_moments_run(const float* p, const uint8_t* m, int n, float* ls, float
             s[k] += v;
             q[k] += v * v;
         }
-    std::memcpy(ls, s, sizeof s);
-    std::memcpy(lq, q, sizeof q);
+    for (int k = 0; k < kFR; ++k) {
+        std::memcpy(ls + k * kFL, &s[k], sizeof(vf));
+        std::memcpy(lq + k * kFL, &q[k], sizeof(vf));
+    }
     float_moments(p + x, kMask ? m + x : nullptr, n - x, ls, lq);
 }
 
@@ -141,7 +147,7 @@ void float_moments_run(const float* p, const uint8_t* m, int n, float* ls, float
 template <bool kMask>
 void deviation_run(const float* p, const uint8_t* m, int n, double mean, double* ld) {
     vd acc[kDR];
-    std::memcpy(acc, ld, sizeof acc);
+    for (int k = 0; k < kDR; ++k) std::memcpy(&acc[k], ld + k * kDL, sizeof(vd));
     const vd mv = vd{} + mean;
     int x = 0;
     for (; x + kMomentLanes <= n; x += kMomentLanes)
@@ -150,6 +156,6 @@ void deviation_run(const float* p, const uint8_t* m, int n, double mean, double*
             if constexpr (kMask) d = vd(vi64(d) & dsel(m + x + k * kDL));
             acc[k] += d * d;
         }
-    std::memcpy(ld, acc, sizeof acc);
+    for (int k = 0; k < kDR; ++k) std::memcpy(ld + k * kDL, &acc[k], sizeof(vd));
     deviation(p + x, kMask ? m + x : nullptr, n - x, mean, ld);
 }

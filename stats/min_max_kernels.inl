@@ -7,14 +7,16 @@
 
 #include "stats/vec_ops.inl"
 
-template <class K>
-inline void reduce_keys(const void* vmn, const void* vmx, K& mn, K& mx) {
+// Folds the lanes of the running minimum and maximum into mn and mx. The
+// vectors come by value, so the loop keeps them in registers.
+template <class K, class W>
+inline void reduce_keys(W vmn, W vmx, K& mn, K& mx) {
     K a[kVecBytes / sizeof(K)], b[kVecBytes / sizeof(K)];
-    std::memcpy(a, vmn, sizeof a);
-    std::memcpy(b, vmx, sizeof b);
+    std::memcpy(a, &vmn, sizeof a);
+    std::memcpy(b, &vmx, sizeof b);
     for (std::size_t i = 0; i < sizeof a / sizeof(K); ++i) {
-        if (a[i] < mn) mn = a[i];
-        if (b[i] > mx) mx = b[i];
+        mn = a[i] < mn ? a[i] : mn;
+        mx = b[i] > mx ? b[i] : mx;
     }
 }
 
@@ -58,7 +60,7 @@ void extrema_run(const T* p, const uint8_t* m, int n, Extrema<T>& e) {
                     mx = fmax(v, mx);
                 }
             }
-            reduce_keys<float>(&mn, &mx, e.mn, e.mx);
+            reduce_keys<float>(mn, mx, e.mn, e.mx);
             e.any = e.any || !kMask || hsum64(any) != 0;
         } else if constexpr (sizeof(T) == 1) {
             V mn = vset8(e.mn), mx = vset8(e.mx), any = vzero();
@@ -75,7 +77,7 @@ void extrema_run(const T* p, const uint8_t* m, int n, Extrema<T>& e) {
                     mx = vmaxu8(mx, k);
                 }
             }
-            reduce_keys<uint8_t>(&mn, &mx, e.mn, e.mx);
+            reduce_keys<uint8_t>(mn, mx, e.mn, e.mx);
             e.any = e.any || !kMask || hsum64(any) != 0;
         } else {
             V mn = vset16(e.mn), mx = vset16(e.mx), any = vzero();
@@ -92,7 +94,7 @@ void extrema_run(const T* p, const uint8_t* m, int n, Extrema<T>& e) {
                     mx = vmaxi16(mx, k);
                 }
             }
-            reduce_keys<int16_t>(&mn, &mx, e.mn, e.mx);
+            reduce_keys<int16_t>(mn, mx, e.mn, e.mx);
             e.any = e.any || !kMask || hsum64(any) != 0;
         }
     }

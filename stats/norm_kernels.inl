@@ -82,13 +82,6 @@ void int_norm_run(const T* a, const T* b, const uint8_t* m, int n, uint64_t& num
 typedef float v4f __attribute__((vector_size(16)));
 typedef int32_t v4i __attribute__((vector_size(16)));
 
-inline v4i sel4(const uint8_t* m) {
-    __m128i s = _mm_cvtsi32_si128(load_u<int32_t>(m));
-    s = _mm_xor_si128(_mm_cmpeq_epi8(s, _mm_setzero_si128()), _mm_set1_epi8(-1));
-    s = _mm_unpacklo_epi8(s, s);
-    return v4i(_mm_unpacklo_epi16(s, s));
-}
-
 inline v4f load4(const float* p) {
     v4f v;
     std::memcpy(&v, p, sizeof v);
@@ -99,6 +92,22 @@ template <Kind K>
 inline v4f term4(v4f v) {
     if constexpr (K == Kind::L2) return v * v;
     return v4f(v4i(v) & 0x7fffffff);
+}
+
+// All ones in the lanes of unselected pixels (4 mask bytes).
+inline v4i unsel4(const uint8_t* m) {
+    __m128i s = _mm_cmpeq_epi8(_mm_cvtsi32_si128(load_u<int32_t>(m)), _mm_setzero_si128());
+    s = _mm_unpacklo_epi8(s, s);
+    return v4i(_mm_unpacklo_epi16(s, s));
+}
+// One group of four columns of one row into its lanes.
+template <Kind K, Fam F>
+inline __attribute__((always_inline)) void group4(const float* a, const float* b, v4i unsel, v4f& an, v4f& ad) {
+    const v4f va = load4(a);
+    const v4f vb = F == Fam::Norm ? va : load4(b);
+    const v4f v = F == Fam::Norm ? va : va - vb;
+    an += v4f(~unsel & v4i(term4<K>(v)));
+    if constexpr (F == Fam::Rel) ad += v4f(~unsel & v4i(term4<K>(vb)));
 }
 
 // L1 and L2 of R rows at once, each row in its own four lanes (num[r],
@@ -112,20 +121,15 @@ void float_norm_rows(const float* const* a, const float* const* b, const uint8_t
         an[r] = load4(num[r]);
         ad[r] = load4(den[r]);
     }
+    const float* nb[R];
+    for (int r = 0; r < R; ++r) nb[r] = F == Fam::Norm ? a[r] : b[r];
     int x = 0;
     for (; x + 4 <= n; x += 4)
-        for (int r = 0; r < R; ++r) {
-            const v4i s = sel4(m[r] + x);
-            const v4f va = load4(a[r] + x);
-            const v4f vb = F == Fam::Norm ? va : load4(b[r] + x);
-            const v4f v = F == Fam::Norm ? va : va - vb;
-            an[r] += v4f(v4i(term4<K>(v)) & s);
-            if constexpr (F == Fam::Rel) ad[r] += v4f(v4i(term4<K>(vb)) & s);
-        }
+        for (int r = 0; r < R; ++r) group4<K, F>(a[r] + x, nb[r] + x, unsel4(m[r] + x), an[r], ad[r]);
     for (int r = 0; r < R; ++r) {
         std::memcpy(num[r], &an[r], 16);
         std::memcpy(den[r], &ad[r], 16);
-        float_norm_lanes<K, F>(a[r] + x, F == Fam::Norm ? a[r] + x : b[r] + x, m[r] + x, n - x, num[r], den[r]);
+        float_norm_lanes<K, F>(a[r] + x, nb[r] + x, m[r] + x, n - x, num[r], den[r]);
     }
 }
 
