@@ -20,9 +20,17 @@
 ZEB_EXTERN_C_BEGIN
 
 /* Mean of the selected pixels: sum / count, 0.0 when the mask selects
- * nothing. Integer sums are exact; 32f sums are accumulated in single
- * precision per row and in double precision across rows. All pointers are
- * required. */
+ * nothing. All pointers are required.
+ *
+ * Integer sums (and sums of squares below) are exact. 32f values are added
+ * in sixteen single-precision lanes (lane x % 16 takes column x), which go
+ * into sixteen double-precision lanes at the end of every row; the double
+ * lanes are added in order at the end. The unmasked one-channel 32f form
+ * chooses by size: up to 5000 pixels (or narrower than 4) four
+ * single-precision lanes taking two rows at a time, remainder columns into
+ * the first lane; below 100000 pixels with a row step that is a multiple of
+ * 16 the sixteen lanes over the whole image, converted once at the end;
+ * otherwise the row-by-row form above. */
 ZEB_API ZebStatus zebiMean_8u_C1MR(const Zeb8u* pSrc, int srcStep, const Zeb8u* pMask, int maskStep,
                                    ZebiSize roiSize, Zeb64f* pMean);
 ZEB_API ZebStatus zebiMean_8u_C3CMR(const Zeb8u* pSrc, int srcStep, const Zeb8u* pMask, int maskStep,
@@ -44,7 +52,8 @@ ZEB_API ZebStatus zebiMean_32f_C3CMR(const Zeb32f* pSrc, int srcStep, const Zeb8
  * the sum of squares and n the number of selected pixels; both 0.0 when n
  * is 0. Either output pointer may be null (it is then not written). For 32f
  * sources, when 0.05*mean*mean > stdDev*stdDev the deviation is computed
- * again from the sum of (x - mean)^2 in double precision. */
+ * again as sqrt(sum (x - mean)^2 / n), summed in sixteen double-precision
+ * lanes. */
 ZEB_API ZebStatus zebiMean_StdDev_8u_C1R(const Zeb8u* pSrc, int srcStep, ZebiSize roiSize, Zeb64f* pMean,
                                          Zeb64f* pStdDev);
 ZEB_API ZebStatus zebiMean_StdDev_8u_C1MR(const Zeb8u* pSrc, int srcStep, const Zeb8u* pMask, int maskStep,
