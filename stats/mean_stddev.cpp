@@ -52,8 +52,7 @@ void int_run(const T* p, const uint8_t* m, int n, IntMoments& r) {
 // are added row by row in double precision.
 template <class T, bool kMask>
 Totals int_totals(const Src<T>& s) {
-    const int32_t pixels = int32_t(uint32_t(s.roi.width) * uint32_t(s.roi.height));
-    const bool narrow = sizeof(T) == 1 && pixels >= 0 && pixels < 0x800000;
+    const bool narrow = sizeof(T) == 1 && int64_t(s.roi.width) * s.roi.height < 0x800000;
     int32_t s32 = 0;
     int64_t s64 = 0, n = 0;
     uint64_t q = 0;
