@@ -21,22 +21,17 @@ void int_moments_run(const T* p, const uint8_t* m, int n, IntMoments& r) {
             V v = vld(p + x);
             if constexpr (sizeof(T) == 1) {
                 const V sel = kMask ? vsel8(m + x) : vzero();
-                V lo, hi;
                 if constexpr (std::is_same_v<T, uint8_t>) {
                     if (kMask) v = vand(v, sel);
                     s = vadd64(s, vsad(v));
-                    lo = vlo8(v, vzero());
-                    hi = vhi8(v, vzero());
                 } else {
                     // x + 128 as an unsigned byte sums with sad; the bias
                     // comes off with the count below.
                     V u = vxor(v, vset8(0x80));
                     if (kMask) u = vand(u, sel), v = vand(v, sel);
                     s = vadd64(s, vsad(u));
-                    lo = vsrai16(vlo8(v, v));
-                    hi = vsrai16(vhi8(v, v));
                 }
-                q = vadd32(q, vadd32(vmadd(lo, lo), vmadd(hi, hi)));
+                q = vadd32(q, vsq8<std::is_same_v<T, int8_t>>(v));
                 if (kMask) c = vadd64(c, vsad(vand(sel, vset8(1))));
             } else {
                 if (kMask) {

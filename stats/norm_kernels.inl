@@ -34,8 +34,7 @@ inline V accumulate_v(V acc, V t) {
     } else if constexpr (K == Kind::L1) {
         return sizeof(T) == 1 ? vadd64(acc, vsad(t)) : vadd32(acc, vadd32(vlo16(t, vzero()), vhi16(t, vzero())));
     } else if constexpr (sizeof(T) == 1) {
-        const V lo = vlo8(t, vzero()), hi = vhi8(t, vzero());
-        return vadd32(acc, vadd32(vmadd(lo, lo), vmadd(hi, hi)));
+        return vadd32(acc, vsq8<false>(t));
     } else {
         return vadd64(acc, vadd64(vsq32to64(vlo16(t, vzero())), vsq32to64(vhi16(t, vzero()))));
     }

@@ -28,6 +28,8 @@ inline V vlo32(V a, V b) { return _mm256_unpacklo_epi32(a, b); }
 inline V vhi32(V a, V b) { return _mm256_unpackhi_epi32(a, b); }
 inline V vmadd(V a, V b) { return _mm256_madd_epi16(a, b); }
 inline V vsrai16(V a) { return _mm256_srai_epi16(a, 8); }
+inline V vsrli16(V a) { return _mm256_srli_epi16(a, 8); }
+inline V vslli16(V a) { return _mm256_slli_epi16(a, 8); }
 inline V vmul32(V a, V b) { return _mm256_mul_epu32(a, b); }
 inline V vsrl64(V a) { return _mm256_srli_epi64(a, 32); }
 inline V vminu8(V a, V b) { return _mm256_min_epu8(a, b); }
@@ -73,6 +75,8 @@ inline V vlo32(V a, V b) { return _mm_unpacklo_epi32(a, b); }
 inline V vhi32(V a, V b) { return _mm_unpackhi_epi32(a, b); }
 inline V vmadd(V a, V b) { return _mm_madd_epi16(a, b); }
 inline V vsrai16(V a) { return _mm_srai_epi16(a, 8); }
+inline V vsrli16(V a) { return _mm_srli_epi16(a, 8); }
+inline V vslli16(V a) { return _mm_slli_epi16(a, 8); }
 inline V vmul32(V a, V b) { return _mm_mul_epu32(a, b); }
 inline V vsrl64(V a) { return _mm_srli_epi64(a, 32); }
 inline V vminu8(V a, V b) { return _mm_min_epu8(a, b); }
@@ -121,6 +125,16 @@ inline uint64_t hsum32(V v) {
 inline V vsq32to64(V v) {
     const V odd = vsrl64(v);
     return vadd64(vmul32(v, v), vmul32(odd, odd));
+}
+
+// Sum of the squares of the bytes of v, as 32-bit lane sums: the even and
+// odd bytes are widened in place by masking and shifting (no shuffles),
+// zero-extended for unsigned bytes, sign-extended for signed ones.
+template <bool kSigned>
+inline V vsq8(V v) {
+    const V even = kSigned ? vsrai16(vslli16(v)) : vand(v, vset16(0xff));
+    const V odd = kSigned ? vsrai16(v) : vsrli16(v);
+    return vadd32(vmadd(even, even), vmadd(odd, odd));
 }
 
 // Number of selected pixels among n mask bytes.
