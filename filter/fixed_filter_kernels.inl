@@ -144,10 +144,14 @@ void column_line2(const S* const* rows, typename Lane<S>::W* ta, typename Lane<S
     using L = Lane<S>;
     using V = typename L::V;
     using C = Taps<D, T, false>;
+    // Local copies: the line stores cannot change them, so they stay in
+    // registers.
+    const S* rp[D::k + 1];
+    for (int i = 0; i <= D::k; ++i) rp[i] = rows[i];
     int x = 0;
     for (; x + L::n <= w; x += L::n) {
         V v[D::k + 1];
-        for (int i = 0; i <= D::k; ++i) v[i] = vload(rows[i] + x);
+        for (int i = 0; i <= D::k; ++i) v[i] = vload(rp[i] + x);
         const auto lda = [&](int i) { return v[i]; };
         const auto ldb = [&](int i) { return v[i + 1]; };
         vstore(ta + x, dot<C, V>(lda));
