@@ -11,119 +11,20 @@
 #include "call.h"
 #include "harness.h"
 
+// Every export of one type: X(name, family, element size, channels, masked).
+#define ZT_TYPE_MEMBERS(X, c, e)                                                                            \
+    X(zebiMean_##c##_C1MR, Mean, e, 1, 1) X(zebiMean_##c##_C3CMR, Mean, e, 3, 1)                            \
+    X(zebiMean_StdDev_##c##_C1R, MeanStdDev, e, 1, 0) X(zebiMean_StdDev_##c##_C1MR, MeanStdDev, e, 1, 1)    \
+    X(zebiMean_StdDev_##c##_C3CR, MeanStdDev, e, 3, 0) X(zebiMean_StdDev_##c##_C3CMR, MeanStdDev, e, 3, 1)  \
+    X(zebiMinMaxIndx_##c##_C1R, MinMax, e, 1, 0) X(zebiMinMaxIndx_##c##_C1MR, MinMax, e, 1, 1)              \
+    X(zebiMinMaxIndx_##c##_C3CR, MinMax, e, 3, 0) X(zebiMinMaxIndx_##c##_C3CMR, MinMax, e, 3, 1)            \
+    ZT_NORM_MEMBERS(X, c, e, Inf) ZT_NORM_MEMBERS(X, c, e, L1) ZT_NORM_MEMBERS(X, c, e, L2)
+#define ZT_NORM_MEMBERS(X, c, e, k)                                                                           \
+    X(zebiNorm_##k##_##c##_C1MR, Norm, e, 1, 1) X(zebiNorm_##k##_##c##_C3CMR, Norm, e, 3, 1)                  \
+    X(zebiNormDiff_##k##_##c##_C1MR, NormDiff, e, 1, 1) X(zebiNormDiff_##k##_##c##_C3CMR, NormDiff, e, 3, 1)  \
+    X(zebiNormRel_##k##_##c##_C1MR, NormRel, e, 1, 1) X(zebiNormRel_##k##_##c##_C3CMR, NormRel, e, 3, 1)
 #define ZT_STATS_MEMBERS(X) \
-    X(zebiMean_8u_C1MR, Mean, 1, 1, 1) \
-    X(zebiMean_8u_C3CMR, Mean, 1, 3, 1) \
-    X(zebiMean_8s_C1MR, Mean, 1, 1, 1) \
-    X(zebiMean_8s_C3CMR, Mean, 1, 3, 1) \
-    X(zebiMean_16u_C1MR, Mean, 2, 1, 1) \
-    X(zebiMean_16u_C3CMR, Mean, 2, 3, 1) \
-    X(zebiMean_32f_C1MR, Mean, 4, 1, 1) \
-    X(zebiMean_32f_C3CMR, Mean, 4, 3, 1) \
-    X(zebiMean_StdDev_8u_C1R, MeanStdDev, 1, 1, 0) \
-    X(zebiMean_StdDev_8u_C1MR, MeanStdDev, 1, 1, 1) \
-    X(zebiMean_StdDev_8u_C3CR, MeanStdDev, 1, 3, 0) \
-    X(zebiMean_StdDev_8u_C3CMR, MeanStdDev, 1, 3, 1) \
-    X(zebiMean_StdDev_8s_C1R, MeanStdDev, 1, 1, 0) \
-    X(zebiMean_StdDev_8s_C1MR, MeanStdDev, 1, 1, 1) \
-    X(zebiMean_StdDev_8s_C3CR, MeanStdDev, 1, 3, 0) \
-    X(zebiMean_StdDev_8s_C3CMR, MeanStdDev, 1, 3, 1) \
-    X(zebiMean_StdDev_16u_C1R, MeanStdDev, 2, 1, 0) \
-    X(zebiMean_StdDev_16u_C1MR, MeanStdDev, 2, 1, 1) \
-    X(zebiMean_StdDev_16u_C3CR, MeanStdDev, 2, 3, 0) \
-    X(zebiMean_StdDev_16u_C3CMR, MeanStdDev, 2, 3, 1) \
-    X(zebiMean_StdDev_32f_C1R, MeanStdDev, 4, 1, 0) \
-    X(zebiMean_StdDev_32f_C1MR, MeanStdDev, 4, 1, 1) \
-    X(zebiMean_StdDev_32f_C3CR, MeanStdDev, 4, 3, 0) \
-    X(zebiMean_StdDev_32f_C3CMR, MeanStdDev, 4, 3, 1) \
-    X(zebiMinMaxIndx_8u_C1R, MinMax, 1, 1, 0) \
-    X(zebiMinMaxIndx_8u_C1MR, MinMax, 1, 1, 1) \
-    X(zebiMinMaxIndx_8u_C3CR, MinMax, 1, 3, 0) \
-    X(zebiMinMaxIndx_8u_C3CMR, MinMax, 1, 3, 1) \
-    X(zebiMinMaxIndx_8s_C1R, MinMax, 1, 1, 0) \
-    X(zebiMinMaxIndx_8s_C1MR, MinMax, 1, 1, 1) \
-    X(zebiMinMaxIndx_8s_C3CR, MinMax, 1, 3, 0) \
-    X(zebiMinMaxIndx_8s_C3CMR, MinMax, 1, 3, 1) \
-    X(zebiMinMaxIndx_16u_C1R, MinMax, 2, 1, 0) \
-    X(zebiMinMaxIndx_16u_C1MR, MinMax, 2, 1, 1) \
-    X(zebiMinMaxIndx_16u_C3CR, MinMax, 2, 3, 0) \
-    X(zebiMinMaxIndx_16u_C3CMR, MinMax, 2, 3, 1) \
-    X(zebiMinMaxIndx_32f_C1R, MinMax, 4, 1, 0) \
-    X(zebiMinMaxIndx_32f_C1MR, MinMax, 4, 1, 1) \
-    X(zebiMinMaxIndx_32f_C3CR, MinMax, 4, 3, 0) \
-    X(zebiMinMaxIndx_32f_C3CMR, MinMax, 4, 3, 1) \
-    X(zebiNorm_Inf_8u_C1MR, Norm, 1, 1, 1) \
-    X(zebiNorm_Inf_8u_C3CMR, Norm, 1, 3, 1) \
-    X(zebiNorm_Inf_8s_C1MR, Norm, 1, 1, 1) \
-    X(zebiNorm_Inf_8s_C3CMR, Norm, 1, 3, 1) \
-    X(zebiNorm_Inf_16u_C1MR, Norm, 2, 1, 1) \
-    X(zebiNorm_Inf_16u_C3CMR, Norm, 2, 3, 1) \
-    X(zebiNorm_Inf_32f_C1MR, Norm, 4, 1, 1) \
-    X(zebiNorm_Inf_32f_C3CMR, Norm, 4, 3, 1) \
-    X(zebiNorm_L1_8u_C1MR, Norm, 1, 1, 1) \
-    X(zebiNorm_L1_8u_C3CMR, Norm, 1, 3, 1) \
-    X(zebiNorm_L1_8s_C1MR, Norm, 1, 1, 1) \
-    X(zebiNorm_L1_8s_C3CMR, Norm, 1, 3, 1) \
-    X(zebiNorm_L1_16u_C1MR, Norm, 2, 1, 1) \
-    X(zebiNorm_L1_16u_C3CMR, Norm, 2, 3, 1) \
-    X(zebiNorm_L1_32f_C1MR, Norm, 4, 1, 1) \
-    X(zebiNorm_L1_32f_C3CMR, Norm, 4, 3, 1) \
-    X(zebiNorm_L2_8u_C1MR, Norm, 1, 1, 1) \
-    X(zebiNorm_L2_8u_C3CMR, Norm, 1, 3, 1) \
-    X(zebiNorm_L2_8s_C1MR, Norm, 1, 1, 1) \
-    X(zebiNorm_L2_8s_C3CMR, Norm, 1, 3, 1) \
-    X(zebiNorm_L2_16u_C1MR, Norm, 2, 1, 1) \
-    X(zebiNorm_L2_16u_C3CMR, Norm, 2, 3, 1) \
-    X(zebiNorm_L2_32f_C1MR, Norm, 4, 1, 1) \
-    X(zebiNorm_L2_32f_C3CMR, Norm, 4, 3, 1) \
-    X(zebiNormDiff_Inf_8u_C1MR, NormDiff, 1, 1, 1) \
-    X(zebiNormDiff_Inf_8u_C3CMR, NormDiff, 1, 3, 1) \
-    X(zebiNormDiff_Inf_8s_C1MR, NormDiff, 1, 1, 1) \
-    X(zebiNormDiff_Inf_8s_C3CMR, NormDiff, 1, 3, 1) \
-    X(zebiNormDiff_Inf_16u_C1MR, NormDiff, 2, 1, 1) \
-    X(zebiNormDiff_Inf_16u_C3CMR, NormDiff, 2, 3, 1) \
-    X(zebiNormDiff_Inf_32f_C1MR, NormDiff, 4, 1, 1) \
-    X(zebiNormDiff_Inf_32f_C3CMR, NormDiff, 4, 3, 1) \
-    X(zebiNormDiff_L1_8u_C1MR, NormDiff, 1, 1, 1) \
-    X(zebiNormDiff_L1_8u_C3CMR, NormDiff, 1, 3, 1) \
-    X(zebiNormDiff_L1_8s_C1MR, NormDiff, 1, 1, 1) \
-    X(zebiNormDiff_L1_8s_C3CMR, NormDiff, 1, 3, 1) \
-    X(zebiNormDiff_L1_16u_C1MR, NormDiff, 2, 1, 1) \
-    X(zebiNormDiff_L1_16u_C3CMR, NormDiff, 2, 3, 1) \
-    X(zebiNormDiff_L1_32f_C1MR, NormDiff, 4, 1, 1) \
-    X(zebiNormDiff_L1_32f_C3CMR, NormDiff, 4, 3, 1) \
-    X(zebiNormDiff_L2_8u_C1MR, NormDiff, 1, 1, 1) \
-    X(zebiNormDiff_L2_8u_C3CMR, NormDiff, 1, 3, 1) \
-    X(zebiNormDiff_L2_8s_C1MR, NormDiff, 1, 1, 1) \
-    X(zebiNormDiff_L2_8s_C3CMR, NormDiff, 1, 3, 1) \
-    X(zebiNormDiff_L2_16u_C1MR, NormDiff, 2, 1, 1) \
-    X(zebiNormDiff_L2_16u_C3CMR, NormDiff, 2, 3, 1) \
-    X(zebiNormDiff_L2_32f_C1MR, NormDiff, 4, 1, 1) \
-    X(zebiNormDiff_L2_32f_C3CMR, NormDiff, 4, 3, 1) \
-    X(zebiNormRel_Inf_8u_C1MR, NormRel, 1, 1, 1) \
-    X(zebiNormRel_Inf_8u_C3CMR, NormRel, 1, 3, 1) \
-    X(zebiNormRel_Inf_8s_C1MR, NormRel, 1, 1, 1) \
-    X(zebiNormRel_Inf_8s_C3CMR, NormRel, 1, 3, 1) \
-    X(zebiNormRel_Inf_16u_C1MR, NormRel, 2, 1, 1) \
-    X(zebiNormRel_Inf_16u_C3CMR, NormRel, 2, 3, 1) \
-    X(zebiNormRel_Inf_32f_C1MR, NormRel, 4, 1, 1) \
-    X(zebiNormRel_Inf_32f_C3CMR, NormRel, 4, 3, 1) \
-    X(zebiNormRel_L1_8u_C1MR, NormRel, 1, 1, 1) \
-    X(zebiNormRel_L1_8u_C3CMR, NormRel, 1, 3, 1) \
-    X(zebiNormRel_L1_8s_C1MR, NormRel, 1, 1, 1) \
-    X(zebiNormRel_L1_8s_C3CMR, NormRel, 1, 3, 1) \
-    X(zebiNormRel_L1_16u_C1MR, NormRel, 2, 1, 1) \
-    X(zebiNormRel_L1_16u_C3CMR, NormRel, 2, 3, 1) \
-    X(zebiNormRel_L1_32f_C1MR, NormRel, 4, 1, 1) \
-    X(zebiNormRel_L1_32f_C3CMR, NormRel, 4, 3, 1) \
-    X(zebiNormRel_L2_8u_C1MR, NormRel, 1, 1, 1) \
-    X(zebiNormRel_L2_8u_C3CMR, NormRel, 1, 3, 1) \
-    X(zebiNormRel_L2_8s_C1MR, NormRel, 1, 1, 1) \
-    X(zebiNormRel_L2_8s_C3CMR, NormRel, 1, 3, 1) \
-    X(zebiNormRel_L2_16u_C1MR, NormRel, 2, 1, 1) \
-    X(zebiNormRel_L2_16u_C3CMR, NormRel, 2, 3, 1) \
-    X(zebiNormRel_L2_32f_C1MR, NormRel, 4, 1, 1) \
-    X(zebiNormRel_L2_32f_C3CMR, NormRel, 4, 3, 1)
+    ZT_TYPE_MEMBERS(X, 8u, 1) ZT_TYPE_MEMBERS(X, 8s, 1) ZT_TYPE_MEMBERS(X, 16u, 2) ZT_TYPE_MEMBERS(X, 32f, 4)
 
 #define ZT_DECLARE(name, fam, elem, ch, masked) ZEB_TEST_TABLE(name);
 ZT_STATS_MEMBERS(ZT_DECLARE)
