@@ -6,7 +6,11 @@
  * (zebBorderConst with borderValue, zebBorderRepl, zebBorderWrap,
  * zebBorderMirror, zebBorderMirrorEdge, or zebBorderInMem for all sides in
  * memory), the flags zebBorderInMemTop/Bottom/Left/Right say that the pixels
- * beyond that side of the ROI are readable in the caller's image.
+ * beyond that side of the ROI are readable in the caller's image. Rows above
+ * and below come from memory or from the mode; each of those rows is then
+ * extended to the left and right from memory or by the mode, so the corners
+ * follow the left/right rule. A filter reads at most 1 (3x3) or 2 (5x5)
+ * pixels beyond a side in memory.
  *
  * Orientation (x grows to the right, y downwards):
  *   SobelHoriz       d/dy: 3x3 [-1 -2 -1; 0 0 0; 1 2 1] (row below minus row above)
