@@ -19,6 +19,17 @@ using namespace ::zeb::pipe;
 #define ZEB_KERNELS "filter/pipeline_kernels.inl"
 #include "core/isa_expand.h"
 
+// Whether the single-precision sums of 16s rows are exact: a divisor of
+// +-2^s (exact scaled coefficients) and sum |k| < 512 (every product and
+// partial sum below 2^24 in magnitude). Then integer sums give the same bits.
+bool exact_in_single(const int16_t* kern, int k, int divisor) {
+    const int64_t d = divisor < 0 ? -int64_t(divisor) : divisor;
+    if ((d & (d - 1)) != 0) return false;
+    int64_t total = 0;
+    for (int j = 0; j < k; ++j) total += kern[j] < 0 ? -int64_t(kern[j]) : kern[j];
+    return total < 512;
+}
+
 template <class S, class D, class K>
 ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K* kern, int k, int divisor,
                  Zeb8u* buf, int ch) {
@@ -45,6 +56,15 @@ ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K
         // round to nearest in whole blocks of 16 values and truncate after.
         const ScaledCoefs cf{kern, 1.0f / float(divisor)};
         constexpr bool kTail = std::is_same_v<S, int16_t>;
+        if constexpr (kTail) {
+            if (exact_in_single(kern, k, divisor)) {
+                if (use_avx2())
+                    avx2::column_exact_job(src, dst, dstStep, w, h, ch, k, kern, cf.scale);
+                else
+                    ssse3::column_exact_job(src, dst, dstStep, w, h, ch, k, kern, cf.scale);
+                return zebStsNoErr;
+            }
+        }
         if (use_avx2())
             avx2::column_job<S, D, Cvt::Nearest, kTail>(src, dst, dstStep, w, h, ch, k, cf);
         else

@@ -8,6 +8,10 @@ using namespace ::zeb::pipe;
 
 inline constexpr int kLanes = ZEB_VEC_BYTES / 4;  // floats per vector
 inline constexpr int kShorts = ZEB_VEC_BYTES / 2;  // 16-bit values per vector
+// Independent accumulators of the float kernels: each output is a serial
+// chain of k additions, so enough chains must be in flight to hide the
+// adder's latency.
+inline constexpr int kFloatUnroll = kUnroll < 4 ? 4 : kUnroll;
 
 #if ZEB_VEC_BYTES == 32
 typedef __m256 vf;
@@ -152,7 +156,7 @@ inline void store_f(D* p, vf v) {
 template <class S, class D, Cvt C, bool kPost, int K, class Coef>
 void float_taps(const S* in, D* out, int n, int stride, int k, Coef coef, float post) {
     const int kk = K ? K : k;
-    constexpr int U = kUnroll;
+    constexpr int U = kFloatUnroll;
     float cs[K ? K : 1];
     if constexpr (K != 0)
         for (int i = 0; i < K; ++i) cs[i] = coef(i);
@@ -187,7 +191,7 @@ void float_taps(const S* in, D* out, int n, int stride, int k, Coef coef, float 
 template <class S, class D, Cvt C, bool kPost, bool kTailTrunc, int K, class Coef>
 void float_rows(const S* const* rows, D* out, int n, int k, Coef coef, float post) {
     const int kk = K ? K : k;
-    constexpr int U = kUnroll;
+    constexpr int U = kFloatUnroll;
     float cs[K ? K : 1];
     const S* rs[K ? K : 1];
     if constexpr (K != 0)
@@ -351,6 +355,102 @@ inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k,
 }
 
 // ---------------------------------------------------------------------------
+// Integer shortcuts that give exactly the single-precision results. They run
+// only where the single-precision arithmetic is itself exact: a divisor of
+// +-2^s makes every scaled coefficient exact, and small coefficients keep
+// every product and partial sum below 2^24, so the float sum equals the
+// integer sum S scaled by 1/divisor, bit for bit.
+
+// Row pass of 8u sources: |k[i]| <= 127 and sum |k[i]| <= 128, so pairs of
+// taps fit the unsigned-by-signed byte multiply-add and every 16-bit partial
+// sum stays within +-32640. Output trunc(S / divisor).
+inline vi trunc_shift16(vi s, int shift, bool negate) {
+#if ZEB_VEC_BYTES == 32
+    const vi bias = _mm256_and_si256(_mm256_srai_epi16(s, 15), _mm256_set1_epi16(int16_t((1 << shift) - 1)));
+    vi q = _mm256_sra_epi16(_mm256_add_epi16(s, bias), _mm_cvtsi32_si128(shift));
+    return negate ? _mm256_sub_epi16(_mm256_setzero_si256(), q) : q;
+#else
+    const vi bias = _mm_and_si128(_mm_srai_epi16(s, 15), _mm_set1_epi16(int16_t((1 << shift) - 1)));
+    vi q = _mm_sra_epi16(_mm_add_epi16(s, bias), _mm_cvtsi32_si128(shift));
+    return negate ? _mm_sub_epi16(_mm_setzero_si128(), q) : q;
+#endif
+}
+
+inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int k, const int16_t* c, int shift,
+                         bool negate, float scale) {
+    constexpr int kBytes = ZEB_VEC_BYTES;
+    int e = 0;
+    for (; e + kBytes <= n; e += kBytes) {
+        vi lo = i_zero(), hi = i_zero();
+        for (int i = 0; i < k; i += 2) {
+            const vi a = i_loadu(in + e + std::ptrdiff_t(i) * stride);
+            const vi b = i + 1 < k ? i_loadu(in + e + std::ptrdiff_t(i + 1) * stride) : i_zero();
+            const int16_t cc = int16_t(uint16_t(uint8_t(c[i])) | uint16_t(uint8_t(i + 1 < k ? c[i + 1] : 0)) << 8);
+#if ZEB_VEC_BYTES == 32
+            const vi vc = _mm256_set1_epi16(cc);
+            lo = _mm256_add_epi16(lo, _mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), vc));
+            hi = _mm256_add_epi16(hi, _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), vc));
+#else
+            const vi vc = _mm_set1_epi16(cc);
+            lo = _mm_add_epi16(lo, _mm_maddubs_epi16(_mm_unpacklo_epi8(a, b), vc));
+            hi = _mm_add_epi16(hi, _mm_maddubs_epi16(_mm_unpackhi_epi8(a, b), vc));
+#endif
+        }
+        lo = trunc_shift16(lo, shift, negate);
+        hi = trunc_shift16(hi, shift, negate);
+#if ZEB_VEC_BYTES == 32
+        i_storeu(out + e, _mm256_permute2x128_si256(lo, hi, 0x20));
+        i_storeu(out + e + 16, _mm256_permute2x128_si256(lo, hi, 0x31));
+#else
+        i_storeu(out + e, lo);
+        i_storeu(out + e + 8, hi);
+#endif
+    }
+    const FinScale fin{scale};
+    for (; e < n; ++e) {
+        int32_t s = 0;
+        for (int i = 0; i < k; ++i) s += int32_t(c[i]) * int32_t(in[e + std::ptrdiff_t(i) * stride]);
+        out[e] = fin.scalar(s);
+    }
+}
+
+// Column pass of 16s rows into integer D: sum |k[j]| < 512, so S stays
+// below 2^24 and converts exactly; rounding as the single-precision path
+// (nearest in whole blocks of 16, truncation after).
+template <class D>
+void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int16_t* c, float scale) {
+    const int body = n - n % 16;
+    const vf sc = f_set1(scale), lo = f_set1(Range<D>::lo), hi = f_set1(Range<D>::hi);
+    int e = 0;
+    for (; e + kShorts <= body; e += kShorts) {
+        vi a0 = i_zero(), a1 = i_zero();
+        int j = 0;
+        for (; j + 1 < k; j += 2) {
+            const vi a = i_loadu(rows[j] + e), b = i_loadu(rows[j + 1] + e);
+            const vi cc = coef_pair(c[j], c[j + 1]);
+            a0 = i_add(a0, i_madd(i_lo16(a, b), cc));
+            a1 = i_add(a1, i_madd(i_hi16(a, b), cc));
+        }
+        if (j < k) {
+            const vi a = i_loadu(rows[j] + e);
+            const vi cc = coef_pair(c[j], 0);
+            a0 = i_add(a0, i_madd(i_lo16(a, i_zero()), cc));
+            a1 = i_add(a1, i_madd(i_hi16(a, i_zero()), cc));
+        }
+        const vi r = i_packs(f_cvt(f_clamp(f_mul(i_to_f(a0), sc), lo, hi)), f_cvt(f_clamp(f_mul(i_to_f(a1), sc), lo, hi)));
+        if constexpr (sizeof(D) == 2)
+            i_storeu(out + e, r);
+        else
+            store_bytes16(out + e, r, std::is_signed_v<D>);
+    }
+    for (; e < n; ++e) {
+        float acc = float(c[0]) * scale * float(rows[0][e]);
+        for (int j = 1; j < k; ++j) acc = acc + float(c[j]) * scale * float(rows[j][e]);
+        out[e] = e < body ? cvt_scalar<D, Cvt::Nearest>(acc) : cvt_scalar<D, Cvt::Trunc>(acc);
+    }
+}
+
+// ---------------------------------------------------------------------------
 // One row of a row pass with its horizontal border. span(in, out, count)
 // computes `count` outputs where output e reads in[e + i*ch]. The interior
 // reads the source row directly; the at most k-1 outputs at either end that
@@ -475,13 +575,25 @@ void separable_image(const S* src, int srcStep, D* dst, int dstStep, int w, int 
 // Row pass: float coefficients c (32f: the kernel; integer forms: the
 // kernel times the reciprocal of the divisor), or, with exact, integer sums
 // of the raw 16-bit kernel scaled afterwards.
+// pairShift >= 0 selects the byte-pair shortcut for 8u sources (divisor
+// +-2^pairShift, negative when negate).
 template <class S, class D>
 void row_job(const S* src, int srcStep, D* const* dst, int w, int h, int ch, int k, int a, const border::Spec& bs,
-             const S* value, S* edge, const float* c, bool exact, const int16_t* kern, float scale) {
+             const S* value, S* edge, const float* c, bool exact, const int16_t* kern, float scale, int pairShift,
+             bool negate) {
     if constexpr (std::is_same_v<D, float>) {
         row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
                  float_row_span<S, D, Cvt::None, false>(k, ch, FloatCoefs{c}, 1.f));
     } else {
+        if constexpr (std::is_same_v<D, int16_t> && std::is_same_v<S, uint8_t>) {
+            if (exact && pairShift >= 0) {
+                row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
+                         [=](const uint8_t* in, int16_t* out, int n) {
+                             u8_pair_taps(in, out, n, ch, k, kern, pairShift, negate, scale);
+                         });
+                return;
+            }
+        }
         if constexpr (std::is_same_v<D, int16_t>) {
             if (exact) {
                 row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
@@ -492,6 +604,13 @@ void row_job(const S* src, int srcStep, D* const* dst, int w, int h, int ch, int
         row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
                  float_row_span<S, D, Cvt::Trunc, false>(k, ch, FloatCoefs{c}, 1.f));
     }
+}
+
+template <class D>
+void column_exact_job(const int16_t* const* rows, D* dst, int dstStep, int w, int h, int ch, int k, const int16_t* kern,
+                      float scale) {
+    column_pass(rows, dst, dstStep, w, h, ch,
+                [=](const int16_t* const* r, D* out, int n) { s16_exact_rows(r, out, n, k, kern, scale); });
 }
 
 template <class S, class D, Cvt C, bool kTailTrunc, class Coef>

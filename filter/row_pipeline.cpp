@@ -38,6 +38,25 @@ bool exact_sums_fit(const int16_t* kern, int k) {
     return total * maxSample <= std::numeric_limits<int32_t>::max();
 }
 
+// log2 |divisor| when it is a power of two up to 2^15, else -1.
+int pow2_shift(int divisor) {
+    const int64_t d = divisor < 0 ? -int64_t(divisor) : divisor;
+    for (int s = 0; s <= 15; ++s)
+        if (d == (int64_t(1) << s)) return s;
+    return -1;
+}
+
+// The byte-pair shortcut of 8u sources: small coefficients (see
+// u8_pair_taps) and a power-of-two divisor.
+int byte_pair_shift(const int16_t* kern, int k, int divisor) {
+    int total = 0;
+    for (int i = 0; i < k; ++i) {
+        if (kern[i] > 127 || kern[i] < -127) return -1;
+        total += std::abs(int(kern[i]));
+    }
+    return total <= 128 ? pow2_shift(divisor) : -1;
+}
+
 template <class S, class D, Div kDiv, bool kEvenCheck, class K>
 ZebStatus row_border(const S* src, int srcStep, D* const* dst, ZebiSize roi, const K* kern, int k, int a,
                      int32_t borderType, const S* value, int ch, int divisor, Zeb8u* buf) {
@@ -63,19 +82,23 @@ ZebStatus row_border(const S* src, int srcStep, D* const* dst, ZebiSize roi, con
     const border::Spec bs = border::decode(borderType);
     bool exact = false;
     float scale = 1.f;
+    int pairShift = -1;
     if constexpr (std::is_same_v<K, float>) {
         for (int i = 0; i < k; ++i) c[i] = kern[i];
     } else {
         scale = 1.0f / float(divisor);
         for (int i = 0; i < k; ++i) c[i] = float(kern[i]) * scale;
         if constexpr (std::is_same_v<D, int16_t>) exact = exact_sums_fit<S>(kern, k);
+        if constexpr (std::is_same_v<S, uint8_t>) pairShift = byte_pair_shift(kern, k, divisor);
     }
     const int16_t* raw = nullptr;
     if constexpr (!std::is_same_v<K, float>) raw = kern;
     if (use_avx2())
-        avx2::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale);
+        avx2::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale, pairShift,
+                          divisor < 0);
     else
-        ssse3::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale);
+        ssse3::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale, pairShift,
+                          divisor < 0);
     return zebStsNoErr;
 }
 

@@ -229,10 +229,12 @@ TEST(PipelineRow, SixteenBitSignedMatchesDefinition) {
     }
 }
 
+// Magnitude 5 keeps short kernels within the byte-pair shortcut of 8u
+// sources (power-of-two divisors), 20 and more leave it.
 TEST(PipelineRow, EightBitAndUnsignedMatchDefinition) {
-    for (int mag : {20, 32767}) {
-        sweep_row(ROW_C1(zebiFilterRowBorderPipeline_8u16s_C1R, Zeb8u, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R), mag, {1, 4, -3});
-        sweep_row(ROW_C3(zebiFilterRowBorderPipeline_8u16s_C3R, Zeb8u, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C3R), mag, {1, 16});
+    for (int mag : {5, 20, 32767}) {
+        sweep_row(ROW_C1(zebiFilterRowBorderPipeline_8u16s_C1R, Zeb8u, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R), mag, {1, 4, -3, -8});
+        sweep_row(ROW_C3(zebiFilterRowBorderPipeline_8u16s_C3R, Zeb8u, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C3R), mag, {1, 16, 5});
         sweep_row(ROW_C1(zebiFilterRowBorderPipeline_16u_C1R, Zeb16u, Zeb16u, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_16u_C1R), mag, {1, 3, 256});
         sweep_row(ROW_C3(zebiFilterRowBorderPipeline_16u_C3R, Zeb16u, Zeb16u, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_16u_C3R), mag, {2});
     }
@@ -353,9 +355,11 @@ TEST(PipelineColumn, AllMembersMatchDefinition) {
                      Zeb32f, 1), 0, {1});
     sweep_column(COL(zebiFilterColumnPipeline_32f_C3R, zebiFilterColumnPipelineGetBufferSize_32f_C3R, Zeb32f, Zeb32f,
                      Zeb32f, 3), 0, {1});
-    for (int mag : {40, 32767}) {
+    // Magnitude 5 with power-of-two divisors keeps the sums exact in single
+    // precision (integer shortcut); the others do not.
+    for (int mag : {5, 40, 32767}) {
         sweep_column(COL(zebiFilterColumnPipeline_16s_C1R, zebiFilterColumnPipelineGetBufferSize_16s_C1R, Zeb16s,
-                         Zeb16s, Zeb16s, 1), mag, {1, 7, -300});
+                         Zeb16s, Zeb16s, 1), mag, {1, 7, -300, -4, 64});
         sweep_column(COL(zebiFilterColumnPipeline_16s_C3R, zebiFilterColumnPipelineGetBufferSize_16s_C3R, Zeb16s,
                          Zeb16s, Zeb16s, 3), mag, {3, 100});
         sweep_column(COL(zebiFilterColumnPipeline_Low_16s_C1R, zebiFilterColumnPipelineGetBufferSize_Low_16s_C1R,
@@ -363,11 +367,11 @@ TEST(PipelineColumn, AllMembersMatchDefinition) {
         sweep_column(COL(zebiFilterColumnPipeline_Low_16s_C3R, zebiFilterColumnPipelineGetBufferSize_Low_16s_C3R,
                          Zeb16s, Zeb16s, Zeb16s, 3), mag, {-9});
         sweep_column(COL(zebiFilterColumnPipeline_16s8u_C1R, zebiFilterColumnPipelineGetBufferSize_16s8u_C1R, Zeb16s,
-                         Zeb8u, Zeb16s, 1), mag, {64, 1000, 30000});
+                         Zeb8u, Zeb16s, 1), mag, {64, 1000, 30000, 2, -16});
         sweep_column(COL(zebiFilterColumnPipeline_16s8u_C3R, zebiFilterColumnPipelineGetBufferSize_16s8u_C3R, Zeb16s,
                          Zeb8u, Zeb16s, 3), mag, {256});
         sweep_column(COL(zebiFilterColumnPipeline_16s8s_C1R, zebiFilterColumnPipelineGetBufferSize_16s8s_C1R, Zeb16s,
-                         Zeb8s, Zeb16s, 1), mag, {128, -2000});
+                         Zeb8s, Zeb16s, 1), mag, {128, -2000, 1, -2});
         sweep_column(COL(zebiFilterColumnPipeline_16s8s_C3R, zebiFilterColumnPipelineGetBufferSize_16s8s_C3R, Zeb16s,
                          Zeb8s, Zeb16s, 3), mag, {512});
         sweep_column(COL(zebiFilterColumnPipeline_16u_C1R, zebiFilterColumnPipelineGetBufferSize_16u_C1R, Zeb16u,
