@@ -420,7 +420,7 @@ inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int
 template <class D>
 void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int16_t* c, float scale) {
     const int body = n - n % 16;
-    const vf sc = f_set1(scale), lo = f_set1(Range<D>::lo), hi = f_set1(Range<D>::hi);
+    const vf sc = f_set1(scale);
     int e = 0;
     for (; e + kShorts <= body; e += kShorts) {
         vi a0 = i_zero(), a1 = i_zero();
@@ -437,7 +437,9 @@ void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int1
             a0 = i_add(a0, i_madd(i_lo16(a, i_zero()), cc));
             a1 = i_add(a1, i_madd(i_hi16(a, i_zero()), cc));
         }
-        const vi r = i_packs(f_cvt(f_clamp(f_mul(i_to_f(a0), sc), lo, hi)), f_cvt(f_clamp(f_mul(i_to_f(a1), sc), lo, hi)));
+        // |S * scale| < 2^24: rounding first and saturating in the packs
+        // equals clamping first.
+        const vi r = i_packs(f_cvt(f_mul(i_to_f(a0), sc)), f_cvt(f_mul(i_to_f(a1), sc)));
         if constexpr (sizeof(D) == 2)
             i_storeu(out + e, r);
         else
