@@ -48,14 +48,15 @@ void int_run(const T* p, const uint8_t* m, int n, IntMoments& r) {
 }
 
 // Integer sources: exact totals. Byte sums stay in 32 bits while the image
-// is too small for them to wrap; the sums of squares of masked byte images
-// are added row by row in double precision.
+// is too small for them to wrap; each row's sum of squares is a 64-bit
+// integer, the rows of masked byte images are added in double precision,
+// the others in a 128-bit integer.
 template <class T, bool kMask>
 Totals int_totals(const Src<T>& s) {
     const bool narrow = sizeof(T) == 1 && int64_t(s.roi.width) * s.roi.height < 0x800000;
     int32_t s32 = 0;
     int64_t s64 = 0, n = 0;
-    uint64_t q = 0;
+    unsigned __int128 q = 0;  // 16-bit squares of four billion pixels overflow 64 bits
     double qd = 0;
     for (int y = 0; y < s.roi.height; ++y) {
         const uint8_t* m = mask_row(s, y);
