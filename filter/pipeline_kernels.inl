@@ -379,19 +379,30 @@ inline vi trunc_shift16(vi s, int shift, bool negate) {
 inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int k, const int16_t* c, int shift,
                          bool negate, float scale) {
     constexpr int kBytes = ZEB_VEC_BYTES;
+    // Byte pairs of coefficients (the last padded with 0), built once per row;
+    // the shortcut's coefficients sum to at most 128, so k <= 128.
+    vi pairs[64];
+    const int np = (k + 1) / 2;
+    for (int p = 0; p < np; ++p) {
+        const int16_t cc = int16_t(uint16_t(uint8_t(c[2 * p])) | uint16_t(uint8_t(2 * p + 1 < k ? c[2 * p + 1] : 0)) << 8);
+#if ZEB_VEC_BYTES == 32
+        pairs[p] = _mm256_set1_epi16(cc);
+#else
+        pairs[p] = _mm_set1_epi16(cc);
+#endif
+    }
     int e = 0;
     for (; e + kBytes <= n; e += kBytes) {
         vi lo = i_zero(), hi = i_zero();
-        for (int i = 0; i < k; i += 2) {
+        for (int p = 0; p < np; ++p) {
+            const int i = 2 * p;
             const vi a = i_loadu(in + e + std::ptrdiff_t(i) * stride);
             const vi b = i + 1 < k ? i_loadu(in + e + std::ptrdiff_t(i + 1) * stride) : i_zero();
-            const int16_t cc = int16_t(uint16_t(uint8_t(c[i])) | uint16_t(uint8_t(i + 1 < k ? c[i + 1] : 0)) << 8);
+            const vi vc = pairs[p];
 #if ZEB_VEC_BYTES == 32
-            const vi vc = _mm256_set1_epi16(cc);
             lo = _mm256_add_epi16(lo, _mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), vc));
             hi = _mm256_add_epi16(hi, _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), vc));
 #else
-            const vi vc = _mm_set1_epi16(cc);
             lo = _mm_add_epi16(lo, _mm_maddubs_epi16(_mm_unpacklo_epi8(a, b), vc));
             hi = _mm_add_epi16(hi, _mm_maddubs_epi16(_mm_unpackhi_epi8(a, b), vc));
 #endif
@@ -421,30 +432,40 @@ template <class D>
 void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int16_t* c, float scale) {
     const int body = n - n % 16;
     const vf sc = f_set1(scale);
+    // Coefficient pairs (the last one padded with 0) built once per row.
+    constexpr int kMaxPairs = 16;
+    vi pairs[kMaxPairs];
+    const int np = (k + 1) / 2;
+    for (int p = 0; p < np && p < kMaxPairs; ++p) pairs[p] = coef_pair(c[2 * p], 2 * p + 1 < k ? c[2 * p + 1] : 0);
+    auto pair = [&](int p) { return p < kMaxPairs ? pairs[p] : coef_pair(c[2 * p], 2 * p + 1 < k ? c[2 * p + 1] : 0); };
+    // Two blocks per step keep two independent chains in flight.
+    auto block = [&](int e0, int nb) {
+        vi a0[2], a1[2];
+        for (int u = 0; u < nb; ++u) a0[u] = a1[u] = i_zero();
+        for (int p = 0; p < np; ++p) {
+            const int16_t* r0 = rows[2 * p];
+            const int16_t* r1 = 2 * p + 1 < k ? rows[2 * p + 1] : nullptr;
+            const vi cc = pair(p);
+            for (int u = 0; u < nb; ++u) {
+                const int e = e0 + u * kShorts;
+                const vi a = i_loadu(r0 + e), b = r1 ? i_loadu(r1 + e) : i_zero();
+                a0[u] = i_add(a0[u], i_madd(i_lo16(a, b), cc));
+                a1[u] = i_add(a1[u], i_madd(i_hi16(a, b), cc));
+            }
+        }
+        for (int u = 0; u < nb; ++u) {
+            // |S * scale| < 2^24: rounding first and saturating in the packs
+            // equals clamping first.
+            const vi r = i_packs(f_cvt(f_mul(i_to_f(a0[u]), sc)), f_cvt(f_mul(i_to_f(a1[u]), sc)));
+            if constexpr (sizeof(D) == 2)
+                i_storeu(out + e0 + u * kShorts, r);
+            else
+                store_bytes16(out + e0 + u * kShorts, r, std::is_signed_v<D>);
+        }
+    };
     int e = 0;
-    for (; e + kShorts <= body; e += kShorts) {
-        vi a0 = i_zero(), a1 = i_zero();
-        int j = 0;
-        for (; j + 1 < k; j += 2) {
-            const vi a = i_loadu(rows[j] + e), b = i_loadu(rows[j + 1] + e);
-            const vi cc = coef_pair(c[j], c[j + 1]);
-            a0 = i_add(a0, i_madd(i_lo16(a, b), cc));
-            a1 = i_add(a1, i_madd(i_hi16(a, b), cc));
-        }
-        if (j < k) {
-            const vi a = i_loadu(rows[j] + e);
-            const vi cc = coef_pair(c[j], 0);
-            a0 = i_add(a0, i_madd(i_lo16(a, i_zero()), cc));
-            a1 = i_add(a1, i_madd(i_hi16(a, i_zero()), cc));
-        }
-        // |S * scale| < 2^24: rounding first and saturating in the packs
-        // equals clamping first.
-        const vi r = i_packs(f_cvt(f_mul(i_to_f(a0), sc)), f_cvt(f_mul(i_to_f(a1), sc)));
-        if constexpr (sizeof(D) == 2)
-            i_storeu(out + e, r);
-        else
-            store_bytes16(out + e, r, std::is_signed_v<D>);
-    }
+    for (; e + 2 * kShorts <= body; e += 2 * kShorts) block(e, 2);
+    for (; e + kShorts <= body; e += kShorts) block(e, 1);
     for (; e < n; ++e) {
         float acc = float(c[0]) * scale * float(rows[0][e]);
         for (int j = 1; j < k; ++j) acc = acc + float(c[j]) * scale * float(rows[j][e]);
