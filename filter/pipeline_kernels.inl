@@ -380,7 +380,7 @@ inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int
                          bool negate, float scale) {
     constexpr int kBytes = ZEB_VEC_BYTES;
     // Byte pairs of coefficients (the last padded with 0), built once per row;
-    // the shortcut's coefficients sum to at most 128, so k <= 128.
+    // the shortcut is taken for k <= 128 only.
     vi pairs[64];
     const int np = (k + 1) / 2;
     for (int p = 0; p < np; ++p) {

@@ -49,6 +49,7 @@ int pow2_shift(int divisor) {
 // The byte-pair shortcut of 8u sources: small coefficients (see
 // u8_pair_taps) and a power-of-two divisor.
 int byte_pair_shift(const int16_t* kern, int k, int divisor) {
+    if (k > 128) return -1;  // the kernel keeps its pairs in 64 vectors
     int total = 0;
     for (int i = 0; i < k; ++i) {
         if (kern[i] > 127 || kern[i] < -127) return -1;

@@ -253,6 +253,20 @@ TEST(PipelineRow, MostNegativeCoefficientUsesSinglePrecision) {
     }
 }
 
+// Long, mostly zero kernels with small coefficients: sums stay tiny, the
+// kernel length alone decides which integer path runs.
+TEST(PipelineRow, LongSparseKernels) {
+    const auto m = ROW_C1(zebiFilterRowBorderPipeline_8u16s_C1R, Zeb8u, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R);
+    for (const zt::Path& p : zt::all_paths()) {
+        zt::IsaScope isa(p.isa);
+        for (int k : {128, 129, 150}) {
+            std::vector<Zeb16s> kern(k, 0);
+            kern[0] = 3, kern[k / 2] = -5, kern[k - 1] = 7;
+            for (int w : {40, 200}) check_row(m, p, w, 0, kern, k / 2, 1, 2);
+        }
+    }
+}
+
 TEST(PipelineRow, BorderValueEntersAsLeadingCopies) {
     // kernel 1 1 1 1, anchor 3: output 0 is 3*v + src[0]; output 1 is 2*v + src[0] + src[1].
     Image<Zeb32f> src(6, 1);
