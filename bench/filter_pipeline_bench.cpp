@@ -15,7 +15,7 @@ const ZebiSize kRoi{kW, kH};
 
 int step(const cv::Mat& m) { return int(m.step); }
 
-// A prepared Gaussian filter: specification and work buffer.
+// A prepared Gaussian filter: kernel setup and work buffer.
 struct Gauss {
     std::vector<Zeb8u> spec, buf;
     Gauss(int k, float sigma, ZebDataType type, int ch) {

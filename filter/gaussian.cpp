@@ -1,4 +1,4 @@
-// Gaussian smoothing with borders: the specification (kernel table) and its
+// Gaussian smoothing with borders: the kernel setup (kernel table) and its
 // sizes, the filters of every type, and the older one-call 32f filter. The
 // filtering is the row and column passes of the separable pipelines run
 // strip by strip through a ring of filtered rows.
@@ -23,7 +23,7 @@ using namespace ::zeb::pipe;
 #define ZEB_KERNELS "filter/pipeline_kernels.inl"
 #include "core/isa_expand.h"
 
-// Header of a specification block: five 32-bit fields, then the table at
+// Header of a kernel setup block: five 32-bit fields, then the table at
 // the first 16-byte boundary at or after byte 20.
 constexpr int kHeaderBytes = 20;
 enum Field { kLength = 0, kOffset = 1, kType = 2, kBorder = 3, kShift = 4 };

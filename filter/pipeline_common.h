@@ -50,7 +50,7 @@ struct ScaledCoefs {
     float scale;
     float operator()(int i) const { return float(k[i]) * scale; }
 };
-struct TableCoefs {  // unsigned fixed-point table of a Gaussian specification
+struct TableCoefs {  // unsigned fixed-point table of a Gaussian kernel setup
     const unsigned char* t;
     float operator()(int i) const { return float(load_u<uint16_t>(t + 2 * i)); }
 };

@@ -269,7 +269,7 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
 
 // The 8u Gaussian in unsigned 16-bit lanes, one high-half multiply per
 // pair of taps. The kernel is symmetric (c[i] == c[k-1-i], as built by the
-// specification), a = k/2 its centre; the outer coefficients are at most
+// kernel setup), a = k/2 its centre; the outer coefficients are at most
 // 2048 and enter as c * 16, the centre (up to 4096) as c * 8:
 //   row     R = floor(s[a] * c[a] / 32) + sum over i < a of
 //               floor((s[i] + s[k-1-i]) * c[i] / 32)         (src * 128)
@@ -642,7 +642,7 @@ void column_job(const S* const* rows, D* dst, int dstStep, int w, int h, int ch,
 }
 
 // The Gaussian filter over a whole ROI with the coefficient table of its
-// specification (float for 32f, unsigned fixed point otherwise).
+// kernel setup (float for 32f, unsigned fixed point otherwise).
 template <class T>
 void gauss_job(const T* src, int srcStep, T* dst, int dstStep, int w, int h, int ch, int k, const border::Spec& bs,
                const T* value, const StripBuffers& b, const unsigned char* table) {

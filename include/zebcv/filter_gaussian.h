@@ -6,7 +6,7 @@
  *   spec = malloc(specBytes); buf = malloc(bufBytes);          (any allocator)
  *   zebiFilterGaussianInit(roi, kernelSize, sigma, zebBorderRepl, zeb8u, 1, spec, buf);
  *   zebiFilterGaussianBorder_8u_C1R(src, srcStep, dst, dstStep, roi, 0, spec, buf);
- * The buffer and specification may serve any number of calls whose ROI is
+ * The buffer and kernel setup may serve any number of calls whose ROI is
  * not larger than the one they were sized for, with the same kernel length,
  * data type and channel count.
  *
@@ -34,7 +34,7 @@
  *            scales the sum by 2^-15, clamps it to the type's range and rounds
  *            to nearest (ties to even); the row pass keeps 16-bit values.
  *
- * Specification block: five signed 32-bit fields (kernel length; the value
+ * Kernel setup block: five signed 32-bit fields (kernel length; the value
  * 20; data-type code; border type; fixed-point shift 12 (8u), 15 (16u, 16s)
  * or 0 (32f)), then the coefficient table at the first 16-byte boundary at
  * or after byte 20 of the block: Zeb16u fixed-point values for the integer
@@ -58,14 +58,14 @@ ZEB_API ZebStatus zebiFilterGaussianGetBufferSize(ZebiSize roiSize, Zeb32u kerne
 
 /* Checks: pSpec or pBuffer null (-8); width or height below 1 (-6);
  * kernelSize below 3 or even (-5); dataType (-12); numChannels (-47);
- * sigma not above 0 (-5); border type (-225). Writes only the specification. */
+ * sigma not above 0 (-5); border type (-225). Writes only the kernel setup. */
 ZEB_API ZebStatus zebiFilterGaussianInit(ZebiSize roiSize, Zeb32u kernelSize, Zeb32f sigma, ZebiBorderType borderType,
                                          ZebDataType dataType, int numChannels, ZebFilterGaussianSpec* pSpec,
                                          Zeb8u* pBuffer);
 
 /* Checks: pSrc, pDst, pBuffer, pSpec (and for C3 borderValue) null (-8);
  * a step below the row length (-14); width or height below 1 (-6); a step
- * not a multiple of the sample size (-108); the specification's kernel
+ * not a multiple of the sample size (-108); the kernel setup's kernel
  * length below 3 or even (-5); its border type (-225); its data type not
  * the function's (-12). */
 ZEB_API ZebStatus zebiFilterGaussianBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,

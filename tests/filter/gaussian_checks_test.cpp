@@ -1,6 +1,6 @@
-// Argument checks of the Gaussian filter: size query, specification
+// Argument checks of the Gaussian filter: size query, kernel setup
 // building, the filters of every type and the older interface. Pairs of bad
-// arguments pin down the order; failing calls leave the specification,
+// arguments pin down the order; failing calls leave the kernel setup,
 // destination and work buffer untouched.
 #include <gtest/gtest.h>
 

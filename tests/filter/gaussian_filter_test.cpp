@@ -1,7 +1,7 @@
-// The Gaussian filter: the specification block and its kernel, results of
+// The Gaussian filter: the kernel setup block and its kernel, results of
 // every type, channel count and border on every variant and instruction-set
 // path against the per-pixel definitions (bit for bit), with the source,
-// destination, specification and work buffer all ending at guard pages;
+// destination, kernel setup and work buffer all ending at guard pages;
 // OpenCV's GaussianBlur as the independent oracle; the older interface.
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ constexpr ZebDataType type_of() {
                                                                             : zeb32f;
 }
 
-// A specification and work buffer sized exactly by the query.
+// A kernel setup and work buffer sized exactly by the query.
 struct Prepared {
     zt::Guarded spec, buf;
     Prepared(int specBytes, int bufBytes) : spec(specBytes), buf(bufBytes) {}
@@ -69,7 +69,7 @@ std::unique_ptr<Prepared> prepare(ZebiSize roi, int k, float sigma, int bt, ZebD
     return p;
 }
 
-// ---- specification ----
+// ---- kernel setup ----
 
 TEST(GaussianSpec, HeaderAndTableLayout) {
     for (ZebDataType type : {zeb8u, zeb16u, zeb16s, zeb32f})
