@@ -110,23 +110,6 @@ TEST(GaussianSpec, TinySigmaGivesAUnitCentre) {
     EXPECT_EQ(q->fixed(1), 32768);
 }
 
-TEST(GaussianSpec, SizesFollowTheLengthAndType) {
-    int s = 0, b = 0;
-    ASSERT_EQ(zebiFilterGaussianGetBufferSize({100, 50}, 7, zeb32f, 1, &s, &b), 0);
-    EXPECT_EQ(s, 16 * 2 + 32);
-    ASSERT_EQ(zebiFilterGaussianGetBufferSize({100, 50}, 7, zeb8u, 3, &s, &b), 0);
-    EXPECT_EQ(s, 8 * 2 + 36);
-    // 32f, C1, w 100, h 50, k 7: L = 112, h' = 7.
-    ASSERT_EQ(zebiFilterGaussianGetBufferSize({100, 50}, 7, zeb32f, 1, &s, &b), 0);
-    EXPECT_EQ(b, 4 * 7 * 112 + 32 + 4 * 14 * 112 + 64 + (128 * 7 + 96) + 32 + 32 + 32 + 8 * 14 + 32);
-    // A short ROI shrinks the ring: h' = h.
-    int b2 = 0;
-    ASSERT_EQ(zebiFilterGaussianGetBufferSize({100, 2}, 7, zeb32f, 1, &s, &b2), 0);
-    EXPECT_EQ(b - b2, 4 * 5 * 112 + 8 * 5);
-    ASSERT_EQ(zebiFilterGaussGetBufferSize_32f_C1R({100, 50}, 7, &b), 0);
-    EXPECT_EQ(b, 32 * 14 * 7 + 16 * 2 + 32 + 16 * 27 * 14 + 64 + (128 * 7 + 96) + 32 + 32 + 32 + 8 * 14 + 32);
-}
-
 // ---- definitions ----
 
 // Source pixel (x, y, c) of the ROI under the border: sides in memory are
