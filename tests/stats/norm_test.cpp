@@ -2,31 +2,10 @@
 // definitions (exact integer totals; the documented four-lane row order of
 // the 32f sums, bit for bit), the zero-denominator rule of the relative
 // norms, and OpenCV's norm with masks as the independent oracle.
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <limits>
-#include <opencv2/core.hpp>
 
-#include "harness.h"
 #include "stats/stats_ref.h"
-#include "stats_test_util.h"
-
-#define ZT_NORM_TABLES_KIND(k, c)                   \
-    ZEB_TEST_TABLE(zebiNorm_##k##_##c##_C1MR);      \
-    ZEB_TEST_TABLE(zebiNorm_##k##_##c##_C3CMR);     \
-    ZEB_TEST_TABLE(zebiNormDiff_##k##_##c##_C1MR);  \
-    ZEB_TEST_TABLE(zebiNormDiff_##k##_##c##_C3CMR); \
-    ZEB_TEST_TABLE(zebiNormRel_##k##_##c##_C1MR);   \
-    ZEB_TEST_TABLE(zebiNormRel_##k##_##c##_C3CMR)
-#define ZT_NORM_TABLES(c)         \
-    ZT_NORM_TABLES_KIND(Inf, c);  \
-    ZT_NORM_TABLES_KIND(L1, c);   \
-    ZT_NORM_TABLES_KIND(L2, c)
-ZT_NORM_TABLES(8u);
-ZT_NORM_TABLES(8s);
-ZT_NORM_TABLES(16u);
-ZT_NORM_TABLES(32f);
+#include "stats_support.h"
 
 namespace {
 
@@ -35,45 +14,24 @@ namespace ref = zeb::stats;
 using ref::Fam;
 using ref::Kind;
 
-// One call of any member: family, kind, type and layout chosen at run
-// time.
+const Fam kFams[] = {Fam::Norm, Fam::Diff, Fam::Rel};
+const Kind kKinds[] = {Kind::Inf, Kind::L1, Kind::L2};
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
 template <class T>
-struct Fns;
-#define ZT_FAM_CALL(fam, k, c)                                                                                       \
-    if (three)                                                                                                       \
-        return zeb_tbl_zebi##fam##_##k##_##c##_C3CMR[v](a.ptr(), a.step(), b.ptr(), b.step(), m.ptr(), m.step(),    \
-                                                        a.size(), coi, out);                                         \
-    return zeb_tbl_zebi##fam##_##k##_##c##_C1MR[v](a.ptr(), a.step(), b.ptr(), b.step(), m.ptr(), m.step(),         \
-                                                   a.size(), out);
-#define ZT_KIND_CALL(k, c)                                                                                           \
-    if (f == Fam::Norm) {                                                                                            \
-        if (three)                                                                                                   \
-            return zeb_tbl_zebiNorm_##k##_##c##_C3CMR[v](a.ptr(), a.step(), m.ptr(), m.step(), a.size(), coi, out);  \
-        return zeb_tbl_zebiNorm_##k##_##c##_C1MR[v](a.ptr(), a.step(), m.ptr(), m.step(), a.size(), out);            \
-    }                                                                                                                \
-    if (f == Fam::Diff) {                                                                                            \
-        ZT_FAM_CALL(NormDiff, k, c)                                                                                  \
-    }                                                                                                                \
-    ZT_FAM_CALL(NormRel, k, c)
-#define ZT_FNS(T, c)                                                                                                 \
-    template <>                                                                                                      \
-    struct Fns<T> {                                                                                                  \
-        static ZebStatus call(int v, Fam f, Kind k, const Image<T>& a, const Image<T>& b, const Image<uint8_t>& m,  \
-                              int coi, double* out) {                                                                \
-            const bool three = a.channels() == 3;                                                                    \
-            if (k == Kind::Inf) {                                                                                    \
-                ZT_KIND_CALL(Inf, c)                                                                                 \
-            }                                                                                                        \
-            if (k == Kind::L1) {                                                                                     \
-                ZT_KIND_CALL(L1, c)                                                                                  \
-            }                                                                                                        \
-            ZT_KIND_CALL(L2, c)                                                                                      \
-        }                                                                                                            \
-    };
-ZT_FNS(uint8_t, 8u)
-ZT_FNS(int8_t, 8s)
-ZT_FNS(uint16_t, 16u)
-ZT_FNS(float, 32f)
+ZebStatus call(int v, Fam f, Kind k, const Image<T>& a, const Image<T>& b, const Image<uint8_t>& m, int coi,
+               double* out) {
+    static const char* fams[] = {"zebiNorm_", "zebiNormDiff_", "zebiNormRel_"};
+    static const char* kinds[] = {"Inf_", "L1_", "L2_"};
+    return zst::run<T>(std::string(fams[int(f)]) + kinds[int(k)], v, a, f == Fam::Norm ? nullptr : &b, &m, {out}, coi);
+}
+
+double nan_bits() {
+    const uint64_t bits = 0xFFF8000000000000ull;
+    double nan;
+    std::memcpy(&nan, &bits, 8);
+    return nan;
+}
 
 struct Want {
     double value;
@@ -81,19 +39,9 @@ struct Want {
 };
 
 Want finish(Fam f, Kind k, double num, double den) {
-    if (f == Fam::Rel) {
-        if (den == 0) {
-            if (num == 0) {
-                const uint64_t bits = 0xFFF8000000000000ull;
-                double nan;
-                std::memcpy(&nan, &bits, 8);
-                return {nan, zebStsDivByZero};
-            }
-            return {std::numeric_limits<double>::infinity(), zebStsDivByZero};
-        }
-        return {k == Kind::L2 ? std::sqrt(num / den) : num / den, zebStsNoErr};
-    }
-    return {k == Kind::L2 ? std::sqrt(num) : num, zebStsNoErr};
+    if (f == Fam::Rel && den == 0) return {num == 0 ? nan_bits() : kInf, zebStsDivByZero};
+    const double v = f == Fam::Rel ? num / den : num;
+    return {k == Kind::L2 ? std::sqrt(v) : v, zebStsNoErr};
 }
 
 // Integer definition: exact totals over the selected pixels.
@@ -104,22 +52,16 @@ Want expected_int(Fam f, Kind k, const Image<T>& a, const Image<T>& b, const Ima
         for (int x = 0; x < a.width(); ++x) {
             if (!m.at(x, y)) continue;
             const int64_t va = a.at(x, y, c), vb = b.at(x, y, c);
-            const uint64_t t = uint64_t(std::llabs(f == Fam::Norm ? va : va - vb));
-            const uint64_t r = uint64_t(std::llabs(vb));
-            if (k == Kind::Inf) {
-                num = std::max(num, t);
-                den = std::max(den, r);
-            } else {
-                num += k == Kind::L2 ? t * t : t;
-                den += k == Kind::L2 ? r * r : r;
-            }
+            const uint64_t t = uint64_t(std::llabs(f == Fam::Norm ? va : va - vb)), r = uint64_t(std::llabs(vb));
+            if (k == Kind::Inf) num = std::max(num, t), den = std::max(den, r);
+            else num += k == Kind::L2 ? t * t : t, den += k == Kind::L2 ? r * r : r;
         }
     return finish(f, k, double(num), double(den));
 }
 
 // 32f definition: the documented row lanes.
 template <Kind K, Fam F>
-Want expected_float_k(const Image<float>& a, const Image<float>& b, const Image<uint8_t>& m, int c) {
+Want expected_float(const Image<float>& a, const Image<float>& b, const Image<uint8_t>& m, int c) {
     double t0 = 0, t1 = 0, u0 = 0, u1 = 0;
     int32_t mn = 0, md = 0;
     for (int y = 0; y < a.height(); ++y) {
@@ -137,26 +79,18 @@ Want expected_float_k(const Image<float>& a, const Image<float>& b, const Image<
     return finish(F, K, t0 + t1, u0 + u1);
 }
 
-template <Kind K>
-Want expected_float_f(Fam f, const Image<float>& a, const Image<float>& b, const Image<uint8_t>& m, int c) {
-    if (f == Fam::Norm) return expected_float_k<K, Fam::Norm>(a, b, m, c);
-    if (f == Fam::Diff) return expected_float_k<K, Fam::Diff>(a, b, m, c);
-    return expected_float_k<K, Fam::Rel>(a, b, m, c);
-}
-
 template <class T>
 Want expected(Fam f, Kind k, const Image<T>& a, const Image<T>& b, const Image<uint8_t>& m, int c) {
     if constexpr (std::is_same_v<T, float>) {
-        if (k == Kind::Inf) return expected_float_f<Kind::Inf>(f, a, b, m, c);
-        if (k == Kind::L1) return expected_float_f<Kind::L1>(f, a, b, m, c);
-        return expected_float_f<Kind::L2>(f, a, b, m, c);
+        using E = Want (*)(const Image<float>&, const Image<float>&, const Image<uint8_t>&, int);
+#define ZT_ROW(K) {expected_float<K, Fam::Norm>, expected_float<K, Fam::Diff>, expected_float<K, Fam::Rel>}
+        static const E table[3][3] = {ZT_ROW(Kind::Inf), ZT_ROW(Kind::L1), ZT_ROW(Kind::L2)};
+#undef ZT_ROW
+        return table[int(k)][int(f)](a, b, m, c);
     } else {
         return expected_int(f, k, a, b, m, c);
     }
 }
-
-const Fam kFams[] = {Fam::Norm, Fam::Diff, Fam::Rel};
-const Kind kKinds[] = {Kind::Inf, Kind::L1, Kind::L2};
 
 template <class T>
 void check_all(const zt::Path& p, const Image<T>& a, const Image<T>& b, const Image<uint8_t>& m,
@@ -165,31 +99,24 @@ void check_all(const zt::Path& p, const Image<T>& a, const Image<T>& b, const Im
         for (Fam f : kFams)
             for (Kind k : kKinds) {
                 double got = -3;
-                const ZebStatus st = Fns<T>::call(p.variant, f, k, a, b, m, coi, &got);
+                const ZebStatus st = call(p.variant, f, k, a, b, m, coi, &got);
                 const Want want = expected(f, k, a, b, m, coi - 1);
-                ASSERT_EQ(st, want.status) << p.name() << " " << what;
-                ASSERT_TRUE(zst::same_bits(got, want.value))
+                ASSERT_TRUE(st == want.status && zst::same_bits(got, want.value))
                     << p.name() << " " << what << " coi " << coi << " fam " << int(f) << " kind " << int(k)
-                    << ": got " << got << " want " << want.value;
+                    << ": got " << got << " (" << st << ") want " << want.value << " (" << want.status << ")";
             }
 }
 
+// Every shape; rows longer than a block of 32-bit lane sums and than a
+// chunk of copied channel values; images of the extremes of the type.
 template <class T>
 void sweep_type() {
-    zst::sweep(sizeof(T), [&](const zt::Path& p, int w, int pad) {
-        for (int ch : {1, 3})
-            for (int h : {1, 2, 7}) {
-                Image<T> a(w, h, ch, pad), b(w, h, ch, pad + int(sizeof(T)));
-                Image<uint8_t> m(w, h, 1, pad % 3);
-                zst::fill_mask(m);
-                check_all(p, a, b, m,
-                          "w=" + std::to_string(w) + " h=" + std::to_string(h) + " ch=" + std::to_string(ch));
-            }
+    zst::sweep_images<T>([](const zt::Path& p, Image<T>& a, Image<uint8_t>& m, const std::string& what) {
+        const int pad = a.step() - a.width() * a.channels() * int(sizeof(T));
+        Image<T> b(a.width(), a.height(), a.channels(), pad + int(sizeof(T)));
+        check_all(p, a, b, m, what);
     });
-    // Rows longer than a block of 32-bit lane sums and than a chunk of
-    // copied channel values; images of the extremes of the type.
-    for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+    zst::each_path([](const zt::Path& p) {
         for (int ch : {1, 3}) {
             Image<T> a(9001, 3, ch), b(9001, 3, ch, int(sizeof(T)));
             Image<uint8_t> m(9001, 3);
@@ -202,7 +129,7 @@ void sweep_type() {
                 check_all(p, b, a, m, "extremes swapped");
             }
         }
-    }
+    });
 }
 
 TEST(Norm, AllPathsMatchDefinition8u) { sweep_type<uint8_t>(); }
@@ -210,72 +137,46 @@ TEST(Norm, AllPathsMatchDefinition8s) { sweep_type<int8_t>(); }
 TEST(Norm, AllPathsMatchDefinition16u) { sweep_type<uint16_t>(); }
 TEST(Norm, AllPathsMatchDefinition32f) { sweep_type<float>(); }
 
-// Non-finite floats: NaN reaches every kind, infinities the sums.
-TEST(Norm, FloatNonFiniteValuesPropagate) {
-    for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+// Non-finite floats: NaN reaches every kind unless masked out, infinity
+// the maximum. A zero denominator: NaN (bits 0xFFF8000000000000) for 0/0,
+// +infinity otherwise, with the warning; empty masks give 0 for the other
+// families.
+TEST(Norm, NonFiniteValuesAndZeroDenominator) {
+    zst::each_path([](const zt::Path& p) {
         Image<float> a(37, 5), b(37, 5);
         Image<uint8_t> m(37, 5);
         m.fill(1);
-        a.at(20, 3) = std::numeric_limits<float>::quiet_NaN();
-        for (Kind k : kKinds) {
-            double v = 0;
-            ASSERT_EQ(Fns<float>::call(p.variant, Fam::Norm, k, a, b, m, 1, &v), 0);
-            EXPECT_TRUE(std::isnan(v)) << int(k) << " " << p.name();
+        for (float bad : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
+            a.at(20, 3) = bad;
+            for (int selected : {1, 0})
+                for (Kind k : kKinds) {
+                    m.at(20, 3) = uint8_t(selected);
+                    double v = 0;
+                    ASSERT_EQ(call(p.variant, selected ? Fam::Norm : Fam::Diff, k, a, b, m, 1, &v), 0);
+                    EXPECT_TRUE(selected ? (std::isnan(bad) ? std::isnan(v) : v == kInf) : std::isfinite(v))
+                        << bad << " " << int(k) << " " << p.name();
+                }
         }
-        // A masked-out NaN does not count.
-        m.at(20, 3) = 0;
-        for (Kind k : kKinds) {
-            double v = 0;
-            ASSERT_EQ(Fns<float>::call(p.variant, Fam::Diff, k, a, b, m, 1, &v), 0);
-            EXPECT_TRUE(std::isfinite(v)) << int(k) << " " << p.name();
-        }
-        a.at(20, 3) = std::numeric_limits<float>::infinity();
-        m.at(20, 3) = 1;
-        double v = 0;
-        ASSERT_EQ(Fns<float>::call(p.variant, Fam::Norm, Kind::Inf, a, b, m, 1, &v), 0);
-        EXPECT_EQ(v, std::numeric_limits<double>::infinity());
-    }
-}
-
-// A zero denominator: NaN (bits 0xFFF8000000000000) for 0/0, +infinity
-// otherwise, with the warning; empty masks give 0 for the other families.
-TEST(Norm, RelativeZeroDenominator) {
-    double nan;
-    const uint64_t bits = 0xFFF8000000000000ull;
-    std::memcpy(&nan, &bits, 8);
-    for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
-        Image<float> a(45, 6), b(45, 6);
-        Image<uint8_t> m(45, 6);
         zst::fill_mask(m);
         b.fill(0.f);
-        a.fill(0.f);
-        for (Kind k : kKinds) {
-            double v = 0;
-            ASSERT_EQ(Fns<float>::call(p.variant, Fam::Rel, k, a, b, m, 1, &v), zebStsDivByZero);
-            EXPECT_TRUE(zst::same_bits(v, nan)) << int(k);
-        }
-        a.fill(2.5f);
-        for (Kind k : kKinds) {
-            double v = 0;
-            ASSERT_EQ(Fns<float>::call(p.variant, Fam::Rel, k, a, b, m, 1, &v), zebStsDivByZero);
-            EXPECT_EQ(v, std::numeric_limits<double>::infinity()) << int(k);
+        for (float av : {0.f, 2.5f}) {
+            a.fill(av);
+            for (Kind k : kKinds) {
+                double v = 0;
+                ASSERT_EQ(call(p.variant, Fam::Rel, k, a, b, m, 1, &v), zebStsDivByZero);
+                EXPECT_TRUE(zst::same_bits(v, av == 0 ? nan_bits() : kInf)) << int(k) << " " << v;
+            }
         }
         Image<uint16_t> c(45, 6, 3), d(45, 6, 3);
-        m.fill(0);
-        for (Kind k : kKinds) {
-            double v = 7;
-            ASSERT_EQ(Fns<uint16_t>::call(p.variant, Fam::Rel, k, c, d, m, 2, &v), zebStsDivByZero);
-            EXPECT_TRUE(zst::same_bits(v, nan));
-            v = 7;
-            ASSERT_EQ(Fns<uint16_t>::call(p.variant, Fam::Norm, k, c, d, m, 2, &v), zebStsNoErr);
-            EXPECT_EQ(v, 0.0);
-            v = 7;
-            ASSERT_EQ(Fns<uint16_t>::call(p.variant, Fam::Diff, k, c, d, m, 2, &v), zebStsNoErr);
-            EXPECT_EQ(v, 0.0);
-        }
-    }
+        Image<uint8_t> none(45, 6);
+        none.fill(0);
+        for (Fam f : kFams)
+            for (Kind k : kKinds) {
+                double v = 7;
+                ASSERT_EQ(call(p.variant, f, k, c, d, none, 2, &v), f == Fam::Rel ? zebStsDivByZero : zebStsNoErr);
+                EXPECT_TRUE(zst::same_bits(v, f == Fam::Rel ? nan_bits() : 0.0)) << v;
+            }
+    });
 }
 
 // OpenCV on full-size images, one channel taken out with extractChannel.
@@ -298,7 +199,7 @@ void against_opencv(double lo, double hi, double tol) {
                                         cv::norm(ca, cb, types[k] | cv::NORM_RELATIVE, m.mat())};
                 for (int f = 0; f < 3; ++f) {
                     double got;
-                    ASSERT_GE(Fns<T>::call(zeb_cpu_variant, kFams[f], kKinds[k], a, b, m, coi, &got), 0);
+                    ASSERT_GE(call(zeb_cpu_variant, kFams[f], kKinds[k], a, b, m, coi, &got), 0);
                     EXPECT_NEAR(got, want[f], tol * std::fabs(want[f]))
                         << "ch " << ch << " coi " << coi << " fam " << f << " kind " << k;
                 }
