@@ -24,60 +24,37 @@ struct ChannelStats {
 // one that selects everything.
 template <class T>
 struct Calls;
-template <>
-struct Calls<Zeb8u> {
-    static int run(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int ch, int coi, bool masked,
-                   ChannelStats& s) {
-        int st;
-        if (ch == 1) {
-            st = masked ? zebiMean_StdDev_8u_C1MR(p, ps, m, ms, r, &s.mean, &s.sd)
-                        : zebiMean_StdDev_8u_C1R(p, ps, r, &s.mean, &s.sd);
-            if (st) return st;
-            st = masked ? zebiMinMaxIndx_8u_C1MR(p, ps, m, ms, r, &s.mn, &s.mx, &s.imn, &s.imx)
-                        : zebiMinMaxIndx_8u_C1R(p, ps, r, &s.mn, &s.mx, &s.imn, &s.imx);
-            if (st) return st;
-            if ((st = zebiNorm_Inf_8u_C1MR(p, ps, m, ms, r, &s.inf))) return st;
-            if ((st = zebiNorm_L1_8u_C1MR(p, ps, m, ms, r, &s.l1))) return st;
-            return zebiNorm_L2_8u_C1MR(p, ps, m, ms, r, &s.l2);
-        }
-        st = masked ? zebiMean_StdDev_8u_C3CMR(p, ps, m, ms, r, coi, &s.mean, &s.sd)
-                    : zebiMean_StdDev_8u_C3CR(p, ps, r, coi, &s.mean, &s.sd);
-        if (st) return st;
-        st = masked ? zebiMinMaxIndx_8u_C3CMR(p, ps, m, ms, r, coi, &s.mn, &s.mx, &s.imn, &s.imx)
-                    : zebiMinMaxIndx_8u_C3CR(p, ps, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);
-        if (st) return st;
-        if ((st = zebiNorm_Inf_8u_C3CMR(p, ps, m, ms, r, coi, &s.inf))) return st;
-        if ((st = zebiNorm_L1_8u_C3CMR(p, ps, m, ms, r, coi, &s.l1))) return st;
-        return zebiNorm_L2_8u_C3CMR(p, ps, m, ms, r, coi, &s.l2);
-    }
-};
-template <>
-struct Calls<Zeb16u> {
-    static int run(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int ch, int coi, bool masked,
-                   ChannelStats& s) {
-        int st;
-        if (ch == 1) {
-            st = masked ? zebiMean_StdDev_16u_C1MR(p, ps, m, ms, r, &s.mean, &s.sd)
-                        : zebiMean_StdDev_16u_C1R(p, ps, r, &s.mean, &s.sd);
-            if (st) return st;
-            st = masked ? zebiMinMaxIndx_16u_C1MR(p, ps, m, ms, r, &s.mn, &s.mx, &s.imn, &s.imx)
-                        : zebiMinMaxIndx_16u_C1R(p, ps, r, &s.mn, &s.mx, &s.imn, &s.imx);
-            if (st) return st;
-            if ((st = zebiNorm_Inf_16u_C1MR(p, ps, m, ms, r, &s.inf))) return st;
-            if ((st = zebiNorm_L1_16u_C1MR(p, ps, m, ms, r, &s.l1))) return st;
-            return zebiNorm_L2_16u_C1MR(p, ps, m, ms, r, &s.l2);
-        }
-        st = masked ? zebiMean_StdDev_16u_C3CMR(p, ps, m, ms, r, coi, &s.mean, &s.sd)
-                    : zebiMean_StdDev_16u_C3CR(p, ps, r, coi, &s.mean, &s.sd);
-        if (st) return st;
-        st = masked ? zebiMinMaxIndx_16u_C3CMR(p, ps, m, ms, r, coi, &s.mn, &s.mx, &s.imn, &s.imx)
-                    : zebiMinMaxIndx_16u_C3CR(p, ps, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);
-        if (st) return st;
-        if ((st = zebiNorm_Inf_16u_C3CMR(p, ps, m, ms, r, coi, &s.inf))) return st;
-        if ((st = zebiNorm_L1_16u_C3CMR(p, ps, m, ms, r, coi, &s.l1))) return st;
-        return zebiNorm_L2_16u_C3CMR(p, ps, m, ms, r, coi, &s.l2);
-    }
-};
+#define ZEB_STATS_CALLS(T, c)                                                                                      \
+    template <>                                                                                                    \
+    struct Calls<T> {                                                                                              \
+        static int run(const T* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int ch, int coi, bool masked,      \
+                       ChannelStats& s) {                                                                          \
+            int st;                                                                                                \
+            if (ch == 1) {                                                                                         \
+                st = masked ? zebiMean_StdDev_##c##_C1MR(p, ps, m, ms, r, &s.mean, &s.sd)                          \
+                            : zebiMean_StdDev_##c##_C1R(p, ps, r, &s.mean, &s.sd);                                 \
+                if (st) return st;                                                                                 \
+                st = masked ? zebiMinMaxIndx_##c##_C1MR(p, ps, m, ms, r, &s.mn, &s.mx, &s.imn, &s.imx)             \
+                            : zebiMinMaxIndx_##c##_C1R(p, ps, r, &s.mn, &s.mx, &s.imn, &s.imx);                    \
+                if (st) return st;                                                                                 \
+                if ((st = zebiNorm_Inf_##c##_C1MR(p, ps, m, ms, r, &s.inf))) return st;                            \
+                if ((st = zebiNorm_L1_##c##_C1MR(p, ps, m, ms, r, &s.l1))) return st;                              \
+                return zebiNorm_L2_##c##_C1MR(p, ps, m, ms, r, &s.l2);                                             \
+            }                                                                                                      \
+            st = masked ? zebiMean_StdDev_##c##_C3CMR(p, ps, m, ms, r, coi, &s.mean, &s.sd)                        \
+                        : zebiMean_StdDev_##c##_C3CR(p, ps, r, coi, &s.mean, &s.sd);                               \
+            if (st) return st;                                                                                     \
+            st = masked ? zebiMinMaxIndx_##c##_C3CMR(p, ps, m, ms, r, coi, &s.mn, &s.mx, &s.imn, &s.imx)           \
+                        : zebiMinMaxIndx_##c##_C3CR(p, ps, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);                  \
+            if (st) return st;                                                                                     \
+            if ((st = zebiNorm_Inf_##c##_C3CMR(p, ps, m, ms, r, coi, &s.inf))) return st;                          \
+            if ((st = zebiNorm_L1_##c##_C3CMR(p, ps, m, ms, r, coi, &s.l1))) return st;                            \
+            return zebiNorm_L2_##c##_C3CMR(p, ps, m, ms, r, coi, &s.l2);                                           \
+        }                                                                                                          \
+    };
+ZEB_STATS_CALLS(Zeb8u, 8u)
+ZEB_STATS_CALLS(Zeb16u, 16u)
+#undef ZEB_STATS_CALLS
 
 // Grey plus alpha keeps the grey channel, RGBA the colour channels.
 Image drop_alpha(const Image& img) {
