@@ -1,31 +1,28 @@
 // Absolute difference of two images (AbsDiff) and of an image and a
 // constant (AbsDiffC).
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "arith/abs_diff_kernels.inl"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+#include "arith/abs_diff_kernels.inl"
+
+#if HWY_ONCE
 #include <algorithm>
 
-#include "arith/arith_ref.h"
 #include "core/checks.h"
 #include "core/dispatch.h"
-#include "core/row_driver.h"
+#include "core/simd_dispatch.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
-
-#define ZEB_KERNELS "arith/abs_diff_kernels.inl"
-#include "core/isa_expand.h"
 
 template <class T, bool kConst>
 void run(const T* a, int as, const T* b, int bs, T c, T* d, int ds, int w, int h, bool stream) {
-    if (use_avx2()) {
-        if (stream)
-            avx2::abs_diff_image<T, kConst, Store::Stream>(a, as, b, bs, c, d, ds, w, h);
-        else
-            avx2::abs_diff_image<T, kConst, Store::Cached>(a, as, b, bs, c, d, ds, w, h);
-    } else {
-        if (stream)
-            ssse3::abs_diff_image<T, kConst, Store::Stream>(a, as, b, bs, c, d, ds, w, h);
-        else
-            ssse3::abs_diff_image<T, kConst, Store::Cached>(a, as, b, bs, c, d, ds, w, h);
-    }
+    if (stream)
+        ZEB_DISPATCH(absdiff::image<T, kConst, Store::Stream>)(a, as, b, bs, c, d, ds, w, h);
+    else
+        ZEB_DISPATCH(absdiff::image<T, kConst, Store::Cached>)(a, as, b, bs, c, d, ds, w, h);
 }
 
 // Two-image form over `channels` interleaved values per pixel. workingSet
@@ -83,7 +80,7 @@ ZebStatus zebiAbsDiffC_32f_C1R(const Zeb32f* a, int as, Zeb32f* d, int ds, ZebiS
     return abs_diff_c(a, as, d, ds, roi, value, 8);
 }
 
-}  // namespace zeb::ZEB_VNS
+}  // namespace zeb::impl
 
 ZEB_EXPORT(zebiAbsDiff_8u_C1R);
 ZEB_EXPORT(zebiAbsDiff_8u_C3R);
@@ -92,3 +89,4 @@ ZEB_EXPORT(zebiAbsDiff_32f_C1R);
 ZEB_EXPORT(zebiAbsDiffC_8u_C1R);
 ZEB_EXPORT(zebiAbsDiffC_16u_C1R);
 ZEB_EXPORT(zebiAbsDiffC_32f_C1R);
+#endif  // HWY_ONCE

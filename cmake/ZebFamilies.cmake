@@ -1,10 +1,11 @@
-# Every library source is compiled twice, once per processor variant:
-# ZEB_VARIANT=0 (u8, which also emits the exported stubs and tables) and
-# ZEB_VARIANT=1 (n8). Subsystem directories register their family sources
-# with zeb_add_family_sources(); zeb_build_library() makes the libraries.
+# Every library source is compiled once. Family sources compile their
+# vector kernels once per instruction-set target themselves (Highway's
+# foreach_target), so the build needs only Highway's headers. Subsystem
+# directories register their sources with zeb_add_family_sources();
+# zeb_build_library() makes the libraries.
 
 define_property(GLOBAL PROPERTY ZEB_FAMILY_SOURCES
-  BRIEF_DOCS "zebcv family sources" FULL_DOCS "Sources compiled once per variant")
+  BRIEF_DOCS "zebcv family sources" FULL_DOCS "Sources of the zebcv library")
 
 function(zeb_add_family_sources)
   foreach(src IN LISTS ARGN)
@@ -13,16 +14,32 @@ function(zeb_add_family_sources)
   endforeach()
 endfunction()
 
+# Highway: headers only (no runtime functions of libhwy are used). Found
+# through its CMake package or pkg-config.
+function(zeb_find_highway out)
+  find_package(hwy CONFIG QUIET)
+  if(TARGET hwy::hwy)
+    get_target_property(dirs hwy::hwy INTERFACE_INCLUDE_DIRECTORIES)
+  else()
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(HWY REQUIRED libhwy)
+    set(dirs ${HWY_INCLUDE_DIRS})
+  endif()
+  set(${out} ${dirs} PARENT_SCOPE)
+endfunction()
+
 function(zeb_build_library)
   get_property(srcs GLOBAL PROPERTY ZEB_FAMILY_SOURCES)
-  foreach(v 0 1)
-    add_library(zebcv_v${v} OBJECT ${srcs})
-    target_compile_definitions(zebcv_v${v} PRIVATE ZEB_VARIANT=${v} ZEBCV_BUILDING=1)
-    target_include_directories(zebcv_v${v} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-  endforeach()
-  target_compile_definitions(zebcv_v0 PRIVATE ZEB_EMIT_STUBS=1)
+  zeb_find_highway(hwy_includes)
+  add_library(zebcv_objs OBJECT ${srcs})
+  target_compile_definitions(zebcv_objs PRIVATE ZEBCV_BUILDING=1
+    # Targets: the SSSE3 baseline, AVX2 and AVX-512 (SSE4 adds nothing the
+    # kernels use over SSSE3).
+    HWY_DISABLED_TARGETS=HWY_SSE4)
+  target_include_directories(zebcv_objs PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(zebcv_objs SYSTEM PRIVATE ${hwy_includes})
 
-  set(objs $<TARGET_OBJECTS:zebcv_v0> $<TARGET_OBJECTS:zebcv_v1>)
+  set(objs $<TARGET_OBJECTS:zebcv_objs>)
   add_library(zebcv SHARED ${objs})
   add_library(zebcv_static STATIC ${objs})
   set_target_properties(zebcv_static PROPERTIES OUTPUT_NAME zebcv)

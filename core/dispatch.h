@@ -1,27 +1,13 @@
-// Export dispatch. Each family source is compiled once per processor
-// variant: ZEB_VARIANT 0 puts its implementations into namespace zeb::u8,
-// ZEB_VARIANT 1 into zeb::n8. ZEB_EXPORT(name) then emits, in the variant-0
-// compile only, the two-entry table {zeb::u8::name, zeb::n8::name} and the
-// exported stub: one load of the variant index and one indirect jump,
-// arguments untouched.
+// Export dispatch. Every family source is compiled once; its exported
+// functions are implemented in namespace zeb::impl. ZEB_EXPORT(name) emits
+// the hidden two-entry variant table {zeb::impl::name, zeb::impl::name} and
+// the exported stub: one load of the variant index and one indirect jump,
+// arguments untouched. Both processor variants run the same implementation;
+// vector kernels inside it are chosen per instruction-set target
+// (core/simd_dispatch.h).
 #pragma once
 
 #include "core/frame.h"
-
-#if !defined(ZEB_VARIANT)
-#error "family sources are compiled with ZEB_VARIANT set to 0 or 1"
-#elif ZEB_VARIANT == 0
-#define ZEB_VNS u8
-#else
-#define ZEB_VNS n8
-#endif
-
-// Tuning that differs between the variants without changing any result.
-namespace zeb::ZEB_VNS {
-// Independent vectors per step of the per-pixel kernels: the general
-// variant keeps more loads in flight, the low-power one fewer registers busy.
-inline constexpr int kUnroll = ZEB_VARIANT == 0 ? 4 : 2;
-}  // namespace zeb::ZEB_VNS
 
 #define ZEB_STUB_ASM(name)                                          \
     __asm__(".pushsection .text\n\t"                                \
@@ -34,17 +20,24 @@ inline constexpr int kUnroll = ZEB_VARIANT == 0 ? 4 : 2;
             ".size " #name ", .-" #name "\n\t"                      \
             ".popsection")
 
-#if defined(ZEB_EMIT_STUBS)
-#define ZEB_EXPORT(name)                                                            \
-    namespace zeb::u8 {                                                             \
-    decltype(::name) name;                                                          \
-    }                                                                               \
-    namespace zeb::n8 {                                                             \
-    decltype(::name) name;                                                          \
-    }                                                                               \
-    extern "C" __attribute__((visibility("hidden"), used))                          \
-    decltype(&::name) const zeb_tbl_##name[2] = {&zeb::u8::name, &zeb::n8::name};  \
+#define ZEB_EXPORT(name)                                                                \
+    namespace zeb::impl {                                                               \
+    decltype(::name) name;                                                              \
+    }                                                                                   \
+    extern "C" __attribute__((visibility("hidden"), used))                              \
+    decltype(&::name) const zeb_tbl_##name[2] = {&zeb::impl::name, &zeb::impl::name};   \
     ZEB_STUB_ASM(name)
-#else
-#define ZEB_EXPORT(name) static_assert(true, #name)
-#endif
+
+// An export whose two variants are different functions, zeb::u8::name and
+// zeb::n8::name (the version query returns each variant's own record).
+#define ZEB_EXPORT_VARIANTS(name)                                                       \
+    namespace zeb::u8 {                                                                 \
+    decltype(::name) name;                                                              \
+    }                                                                                   \
+    namespace zeb::n8 {                                                                 \
+    decltype(::name) name;                                                              \
+    }                                                                                   \
+    extern "C" __attribute__((visibility("hidden"), used))                              \
+    decltype(&::name) const zeb_tbl_##name[2] = {&zeb::u8::name, &zeb::n8::name};       \
+    ZEB_STUB_ASM(name)
+#include "core/legacy.h"

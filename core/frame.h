@@ -1,5 +1,5 @@
-// Internal frame shared by every family: the process-wide variant and
-// instruction-set choice, memory wrappers, the store-kind rule, row access.
+// Internal frame shared by every family: the process-wide variant choice,
+// memory wrappers, the store-kind rule, row access.
 #pragma once
 
 #include <cstddef>
@@ -13,19 +13,9 @@
 extern "C" {
 // 0 selects the u8 variant, 1 the n8 variant. Written once at load.
 extern int32_t zeb_cpu_variant;
-// Fastest instruction-set path the kernels may take: 0 SSSE3, 1 AVX2.
-// Written once at load; tests may lower it to exercise every path.
-extern int32_t zeb_isa_level;
 }
 
 namespace zeb {
-
-enum IsaLevel : int32_t { kIsaSsse3 = 0, kIsaAvx2 = 1 };
-
-// The highest level this processor runs (independent of zeb_isa_level).
-int32_t max_isa_level();
-
-inline bool use_avx2() { return zeb_isa_level >= kIsaAvx2; }
 
 // Allocation wrapper: null for len <= 0 without calling zebMalloc.
 inline void* alloc(int32_t len) { return len <= 0 ? nullptr : zebMalloc(len); }

@@ -53,7 +53,9 @@ uint64_t detect_features() {
         if (e[1] & (1u << 8)) f |= ZEB_CPU_BMI2;
         if (ymm && (e[1] & (1u << 5))) f |= ZEB_CPU_AVX2;
         if (zmm && (e[1] & (1u << 16))) f |= ZEB_CPU_AVX512F;
+        if (zmm && (e[1] & (1u << 17))) f |= ZEB_CPU_AVX512DQ;
         if (zmm && (e[1] & (1u << 30))) f |= ZEB_CPU_AVX512BW;
+        if (zmm && (e[1] & (1u << 31))) f |= ZEB_CPU_AVX512VL;
     }
     return f;
 }

@@ -37,6 +37,8 @@ extern "C" {
 #define ZEB_CPU_BMI2     0x10000ULL
 #define ZEB_CPU_AVX512F  0x20000ULL
 #define ZEB_CPU_AVX512BW 0x40000ULL
+#define ZEB_CPU_AVX512DQ 0x80000ULL
+#define ZEB_CPU_AVX512VL 0x100000ULL
 
 /* Allocates length bytes aligned to 64. Returns null for length <= 0 or on
  * failure. */

@@ -2,7 +2,7 @@
 # Installs the Debian packages a build needs, only those missing.
 # Usage: scripts/deps.sh main|test
 set -euo pipefail
-packages=(cmake ninja-build g++ pkg-config libstb-dev)
+packages=(cmake ninja-build g++ pkg-config libstb-dev libhwy-dev)
 if [ "${1:-test}" = test ]; then
   packages+=(libgtest-dev libbenchmark-dev libopencv-dev binutils)
 fi

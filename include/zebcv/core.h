@@ -10,6 +10,11 @@ ZEB_EXTERN_C_BEGIN
  * the record must not be written or freed. */
 ZEB_API const ZebLibraryVersion* zebcvGetLibVersion(void);
 
+/* The vector instruction set the kernels use in this process, chosen once
+ * at load as the best one the processor runs: "SSSE3", "AVX2" or "AVX-512".
+ * Every target gives identical results; only speed differs. */
+ZEB_API const char* zebcvGetSimdTarget(void);
+
 /* Inpainting states (the inpainting family itself is separate). */
 typedef struct ZebiInpaintState_8u_C1R ZebiInpaintState_8u_C1R;
 typedef struct ZebiInpaintState_8u_C3R ZebiInpaintState_8u_C3R;

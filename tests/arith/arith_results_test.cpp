@@ -81,7 +81,7 @@ void check_member(const char* name, Fn* const* tbl) {
     if (K == Kind::Weighted || K == Kind::Weighted2) params = {0.375, 0.0, 2.0, -0.5};
     if (K == Kind::AbsDiffC) params = {77, -5, 300, 31000, 70000, -12.25};
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (double param : params)
             for (int w : zt::test_widths())
                 for (int pad : zt::test_pads(sizeof(T))) {

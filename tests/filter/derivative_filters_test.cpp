@@ -308,7 +308,7 @@ void sweep_member(const Member& m, int k) {
                 ASSERT_EQ(m.query(0, {w, h}, k * 11, &size), 0);
                 std::vector<D> first;
                 for (const zt::Path& p : zt::all_paths()) {
-                    zt::IsaScope isa(p.isa);
+                    zt::TargetScope target(p.target);
                     zt::Image<D> dst(w, h, 1, int(sizeof(D)) * (w % 2));
                     zt::Guarded buf{std::size_t(size)};
                     const std::vector<uint8_t> before = dst.bytes();
@@ -477,7 +477,7 @@ TEST(DerivativeFilters, LargeImagesGiveTheSameResults) {
     cv::Sobel(s8.mat(), want16, CV_16S, 1, 0, 3, 1, 0, cv::BORDER_REFLECT_101);
     cv::blur(s8.mat(), want8, {5, 5}, {-1, -1}, cv::BORDER_REPLICATE);
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         const Member& sobel = member("SobelVert_8u16s");
         const Member& low = member("Lowpass_8u");
         zt::Image<int16_t> d16(w, h, 1, 2);

@@ -228,7 +228,7 @@ void sweep_gauss(Fn* const* tbl, int ch) {
     const int borders[] = {0, 1, 6, 16 | 1, 32, 64 | 1, 128, 16 | 64, 240 | 1};
     int turn = 0;
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (int w : zt::test_widths())
             for (int h : {1, 2, 6, 23})
                 for (int k : {3, 5, 9}) {
@@ -256,7 +256,7 @@ TEST(GaussianFilter, FloatMatchesDefinition) {
 // Long kernels and tall images: many strips through the ring.
 TEST(GaussianFilter, LongKernelsOverManyStrips) {
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         check_gauss<uint8_t>(zeb_tbl_zebiFilterGaussianBorder_8u_C1R, 1, p, 45, 61, 15, 4.f, 1);
         check_gauss<float>(zeb_tbl_zebiFilterGaussianBorder_32f_C3R, 3, p, 37, 50, 21, 5.f, 0);
         check_gauss<int16_t>(zeb_tbl_zebiFilterGaussianBorder_16s_C1R, 1, p, 70, 44, 11, 2.f, 6);
@@ -338,7 +338,7 @@ TEST(GaussianOpenCV, FloatWithinTolerance) {
 
 TEST(GaussianOlder, SameResultsAsThePreparedFilter) {
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (int bt : {0, 1, 6, 32 | 1})
             for (int k : {3, 7}) {
                 const int w = 53, h = 19, a = k / 2;

@@ -201,7 +201,7 @@ void check_row(const RowMember<S, D, K>& m, const zt::Path& p, int w, int pad, c
 template <class S, class D, class K>
 void sweep_row(const RowMember<S, D, K>& m, int magnitude, const std::vector<int>& divisors) {
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (int k : {1, 2, 3, 4, 5, 7, 12}) {
             for (int w : zt::test_widths()) {
                 const int pad = zt::test_pads(sizeof(S))[(w + k) % 4];
@@ -245,7 +245,7 @@ TEST(PipelineRow, EightBitAndUnsignedMatchDefinition) {
 TEST(PipelineRow, MostNegativeCoefficientUsesSinglePrecision) {
     const auto m = ROW_C1(zebiFilterRowBorderPipeline_16s_C1R, Zeb16s, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_16s_C1R);
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (int w : zt::test_widths()) {
             check_row(m, p, w, 0, std::vector<Zeb16s>{-32768, 3, 1}, 1, 1, 7);
             check_row(m, p, w, 0, std::vector<Zeb16s>{1, -32768, 2, 5, 1}, 2, 0, -3);
@@ -258,7 +258,7 @@ TEST(PipelineRow, MostNegativeCoefficientUsesSinglePrecision) {
 TEST(PipelineRow, LongSparseKernels) {
     const auto m = ROW_C1(zebiFilterRowBorderPipeline_8u16s_C1R, Zeb8u, Zeb16s, Zeb16s, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R);
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (int k : {128, 129, 150}) {
             std::vector<Zeb16s> kern(k, 0);
             kern[0] = 3, kern[k / 2] = -5, kern[k - 1] = 7;
@@ -338,7 +338,7 @@ void check_column(const ColMember<S, D, K>& m, const zt::Path& p, int w, int h, 
 template <class S, class D, class K>
 void sweep_column(const ColMember<S, D, K>& m, int magnitude, const std::vector<int>& divisors) {
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         for (int k : {1, 2, 3, 5, 6, 9})
             for (int w : zt::test_widths()) {
                 const int pad = zt::test_pads(sizeof(D))[(w + k) % 4];
@@ -382,7 +382,7 @@ TEST(PipelineColumn, AllMembersMatchDefinition) {
 // one after the whole block of 16 truncates, the others round to even.
 TEST(PipelineColumn, TailAfterLastBlockTruncates) {
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         std::vector<Zeb16s> r0(17, 5), r1(17, 0);
         const Zeb16s* rows[2] = {r0.data(), r1.data()};
         const Zeb16s kern[2] = {1, 1};

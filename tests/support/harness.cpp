@@ -45,15 +45,28 @@ std::mt19937& rng() {
 }
 
 std::string Path::name() const {
-    return std::string(variant ? "n8" : "u8") + (isa ? "/avx2" : "/ssse3");
+    return std::string(variant ? "n8/" : "u8/") + zeb::simd_target_name(target);
 }
 
 std::vector<Path> all_paths() {
-    const int maxIsa = (zebGetEnabledCpuFeatures() & ZEB_CPU_AVX2) ? 1 : 0;
     std::vector<Path> p;
     for (int v = 0; v < 2; ++v)
-        for (int i = 0; i <= maxIsa; ++i) p.push_back({v, i});
+        for (int t = 0; t <= zeb::max_simd_target(); ++t) p.push_back({v, t});
     return p;
+}
+
+void TargetTest::SetUp() {
+    saved_ = zeb_simd_target;
+    if (GetParam() > zeb::max_simd_target())
+        GTEST_SKIP() << "this machine does not run the " << zeb::simd_target_name(GetParam()) << " target";
+    zeb_simd_target = GetParam();
+}
+
+void TargetTest::TearDown() { zeb_simd_target = saved_; }
+
+std::string target_param_name(const ::testing::TestParamInfo<int>& info) {
+    static const char* const names[kTargets] = {"SSSE3", "AVX2", "AVX512"};
+    return names[info.param];
 }
 
 const std::vector<int>& test_widths() {

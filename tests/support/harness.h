@@ -17,8 +17,12 @@
 
 extern "C" {
 extern int32_t zeb_cpu_variant;
-extern int32_t zeb_isa_level;
+extern int32_t zeb_simd_target;
 }
+namespace zeb {
+int32_t max_simd_target();
+const char* simd_target_name(int32_t target);
+}  // namespace zeb
 
 // Declares the variant table of an export so that a test can call each
 // variant's entry directly: zeb_tbl_<name>[0] is u8, [1] is n8.
@@ -115,25 +119,48 @@ private:
     Guarded buf_;
 };
 
-// One processor variant on one instruction-set path.
+// Vector targets: 0 SSSE3, 1 AVX2, 2 AVX-512.
+inline constexpr int kTargets = 3;
+
+// One processor variant on one vector target.
 struct Path {
     int variant;
-    int isa;
+    int target;
     std::string name() const;
 };
 
-// Every variant on every instruction-set path this machine runs.
+// Every variant on every vector target this machine runs.
 std::vector<Path> all_paths();
 
-// Selects an instruction-set path for the life of the scope.
-class IsaScope {
+// Selects a vector target for the life of the scope.
+class TargetScope {
 public:
-    explicit IsaScope(int isa) : saved_(zeb_isa_level) { zeb_isa_level = isa; }
-    ~IsaScope() { zeb_isa_level = saved_; }
+    explicit TargetScope(int target) : saved_(zeb_simd_target) { zeb_simd_target = target; }
+    ~TargetScope() { zeb_simd_target = saved_; }
 
 private:
     int saved_;
 };
+
+// The fixture of every test that runs kernels: parameterised over all
+// vector targets, it selects the target for the whole test body, or skips
+// the test visibly where this machine lacks the target. Declare a suite
+// with ZT_TARGET_SUITE(Suite) and write its tests with TEST_P(Suite, ...).
+class TargetTest : public ::testing::TestWithParam<int> {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    int target() const { return GetParam(); }
+
+private:
+    int saved_ = 0;
+};
+
+std::string target_param_name(const ::testing::TestParamInfo<int>& info);
+
+#define ZT_TARGET_SUITE(Suite)                   \
+    class Suite : public ::zt::TargetTest {};    \
+    INSTANTIATE_TEST_SUITE_P(Targets, Suite, ::testing::Range(0, ::zt::kTargets), ::zt::target_param_name)
 
 // Widths that cover empty vector bodies, heads, tails and several blocks;
 // pads that move the start of each row against the vector boundaries.

@@ -119,7 +119,7 @@ inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, 8) == 0; 
 template <class F>
 void each_path(F&& f) {
     for (const zt::Path& p : zt::all_paths()) {
-        zt::IsaScope isa(p.isa);
+        zt::TargetScope target(p.target);
         f(p);
     }
 }

@@ -1,0 +1,94 @@
+// Vector operations every kernel shares, written once on Highway and
+// compiled per target: what Highway 1.0.3 lacks (integer absolute
+// difference, exact widening loads to float) and the aligned or streaming
+// store of the shared row loop. Included from a kernel file's per-target
+// section (after <hwy/highway.h>); re-included once per target.
+#if defined(ZEB_CORE_SIMD_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_CORE_SIMD_INL_H_
+#undef ZEB_CORE_SIMD_INL_H_
+#else
+#define ZEB_CORE_SIMD_INL_H_
+#endif
+
+#include <hwy/cache_control.h>
+#include <hwy/highway.h>
+
+#include <cstdint>
+#include <type_traits>
+
+#include "core/row_driver.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Full vectors of one lane type on this target.
+template <class T>
+using Vd = hn::ScalableTag<T>;
+
+// Bytes of one full vector on this target.
+inline constexpr int kVecBytes = int(hn::MaxLanes(hn::ScalableTag<uint8_t>()));
+
+// |a - b| of unsigned integer lanes, exact: one of the two saturating
+// differences is zero.
+template <class V>
+HWY_INLINE V AbsDiffU(V a, V b) {
+    return hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a));
+}
+
+// |a - b| of float lanes: the difference with its sign bit cleared.
+template <class V>
+HWY_INLINE V AbsDiffF(V a, V b) {
+    return hn::Abs(hn::Sub(a, b));
+}
+
+// One full float vector of source elements widened exactly to float:
+// 8-bit and 16-bit sources read a quarter or half vector of bytes.
+template <class T>
+HWY_INLINE hn::Vec<Vd<float>> LoadAsF32(const T* HWY_RESTRICT p) {
+    const Vd<float> df;
+    if constexpr (std::is_same_v<T, float>) {
+        return hn::LoadU(df, p);
+    } else {
+        const hn::Rebind<int32_t, Vd<float>> di;
+        const hn::Rebind<T, Vd<float>> ds;
+        return hn::ConvertTo(df, hn::PromoteTo(di, hn::LoadU(ds, p)));
+    }
+}
+
+// The store of the shared row loop: p is on a vector boundary.
+template <Store kStore, class D>
+HWY_INLINE void StoreKind(hn::Vec<D> v, D d, hn::TFromD<D>* HWY_RESTRICT p) {
+    if constexpr (kStore == Store::Stream)
+        hn::Stream(v, d, p);
+    else
+        hn::Store(v, d, p);
+}
+
+// The row loop every per-pixel kernel shares: a scalar head until the output
+// reaches a vector boundary, a vector body of whole blocks with aligned
+// (cached or streaming) stores, a scalar tail. Pixel pointers are aligned to
+// their element size, as the C types require, so the boundary is always
+// reachable. Compiled per target so that the block inlines.
+// scalar(x) computes element x; block(x) computes elements x .. x+kBlock-1
+// with out+x on a kAlign-byte boundary. The caller fences after streaming.
+template <int kAlign, int kBlock, class O, class Scalar, class Block>
+HWY_INLINE void drive_row(O* out, int n, Scalar&& scalar, Block&& block) {
+    const auto addr = reinterpret_cast<std::uintptr_t>(out);
+    const int head = int(((kAlign - addr % kAlign) % kAlign) / sizeof(O));
+    int x = 0;
+    for (const int e = head < n ? head : n; x < e; ++x) scalar(x);
+    for (; x + kBlock <= n; x += kBlock) block(x);
+    for (; x < n; ++x) scalar(x);
+}
+
+// Orders streaming stores before what follows; nothing for cached stores.
+template <Store kStore>
+HWY_INLINE void FinishStores() {
+    if constexpr (kStore == Store::Stream) hwy::FlushStream();
+}
+
+}  // namespace zeb::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_CORE_SIMD_INL_H_
