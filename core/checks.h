@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <limits>
 
 #include "zebcv.h"
 
@@ -48,6 +49,15 @@ inline ZebStatus even_steps(std::initializer_list<StepReq> r) {
 inline ZebStatus first_error(std::initializer_list<ZebStatus> sts) {
     for (ZebStatus s : sts)
         if (s != zebStsNoErr) return s;
+    return zebStsNoErr;
+}
+
+// The end of every size query: the byte count, computed in 64 bits by the
+// caller, is stored when it fits a signed 32-bit int; otherwise
+// zebStsSizeErr and nothing is written.
+inline ZebStatus put_size(int64_t bytes, int* size) {
+    if (bytes < 0 || bytes > std::numeric_limits<int32_t>::max()) return zebStsSizeErr;
+    *size = int32_t(bytes);
     return zebStsNoErr;
 }
 
