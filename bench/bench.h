@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <opencv2/core.hpp>
 #include <string>
@@ -27,7 +29,18 @@ int add(Pair p);
 // A 1920x1080 image of the given OpenCV type with random content.
 cv::Mat random_mat(int type, double lo = 0, double hi = 256, int w = kW, int h = kH);
 
+// A timed zebcv call that failed would be timed as a fast early return:
+// any status other than zebStsNoErr aborts the run.
+inline void check_status(int status, const char* call) {
+    if (status != 0) {
+        std::fprintf(stderr, "benchmark call failed with status %d: %s\n", status, call);
+        std::abort();
+    }
+}
+
 }  // namespace zb
+
+#define ZB_CHECK(call) ::zb::check_status((call), #call)
 
 #define ZB_CAT2(a, b) a##b
 #define ZB_CAT(a, b) ZB_CAT2(a, b)
