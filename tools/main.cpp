@@ -78,9 +78,9 @@ namespace {
 
 constexpr int kLineWidth = 80;
 
-// Prints text word-wrapped to the line width, every line indented by
-// `indent` columns; the first line continues after `first` (already
-// printed, padded to the indent unless it is longer than the column).
+// Prints `first`, then text word-wrapped to the line width from column
+// `indent` on: on first's own line when first ends before that column,
+// else from the next line. Continuation lines are indented alike.
 void print_wrapped(FILE* f, const std::string& first, int indent, const std::string& text) {
     std::string line = first;
     if (int(line.size()) + 1 > indent) {
@@ -111,7 +111,8 @@ void usage(FILE* f) {
     std::fprintf(f, "usage: zebcv COMMAND [ARGS]\n       zebcv COMMAND --help\n       zebcv --version\n\n"
                     "commands:\n");
     std::vector<Command> sorted = commands();
-    std::sort(sorted.begin(), sorted.end(), [](const Command& a, const Command& b) { return std::strcmp(a.name, b.name) < 0; });
+    std::sort(sorted.begin(), sorted.end(),
+              [](const Command& a, const Command& b) { return std::strcmp(a.name, b.name) < 0; });
     for (const Command& c : sorted) {
         std::string head = std::string("  ") + c.name;
         if (*c.args) head += std::string(" ") + c.args;

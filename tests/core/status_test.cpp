@@ -2,11 +2,10 @@
 // enumerator, through both variants; anything else gets one fixed text.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cctype>
 #include <fstream>
 #include <limits>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -27,10 +26,18 @@ std::map<std::string, int> header_statuses() {
     std::stringstream text;
     text << in.rdbuf();
     const std::string s = text.str();
+    // Entries read "zebStsName = value".
     std::map<std::string, int> out;
-    const std::regex entry(R"((zebSts[A-Za-z0-9]+)\s*=\s*(-?[0-9]+))");
-    for (auto it = std::sregex_iterator(s.begin(), s.end(), entry); it != std::sregex_iterator(); ++it)
-        out[(*it)[1]] = std::stoi((*it)[2]);
+    for (std::size_t at = s.find("zebSts"); at != std::string::npos; at = s.find("zebSts", at)) {
+        std::size_t end = at;
+        while (end < s.size() && std::isalnum(static_cast<unsigned char>(s[end]))) ++end;
+        const std::string name = s.substr(at, end - at);
+        std::istringstream rest(s.substr(end, 32));
+        char eq = 0;
+        int value = 0;
+        if (rest >> eq >> value && eq == '=') out[name] = value;
+        at = end;
+    }
     return out;
 }
 
