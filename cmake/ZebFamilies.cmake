@@ -55,4 +55,12 @@ function(zeb_build_library)
       $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   endforeach()
   add_library(zebcv::zebcv ALIAS zebcv)
+
+  # The test suite's library: the same objects on the test build of zebcore,
+  # which carries the failure-injection hooks. Never installed.
+  if(TARGET zebcore_test_hooks)
+    add_library(zebcv_testing STATIC ${objs})
+    target_link_libraries(zebcv_testing PUBLIC zebcore_test_hooks)
+    target_include_directories(zebcv_testing PUBLIC ${PROJECT_SOURCE_DIR}/include)
+  endif()
 endfunction()

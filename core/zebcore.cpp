@@ -1,17 +1,27 @@
-// zebcore: allocation, processor features and cache size.
+// zebcore: allocation, processor features and cache size. Compiled with
+// ZEBCORE_TEST_HOOKS it also carries the failure injection of
+// zebcore_test_hooks.h (the test suite's build only).
 #include "zebcore.h"
 
-#include <atomic>
 #include <cpuid.h>
 #include <cstdlib>
+#include <initializer_list>
 #include <unistd.h>
+
+#if defined(ZEBCORE_TEST_HOOKS)
+#include <atomic>
+
+#include "zebcore_test_hooks.h"
+#endif
 
 namespace {
 
+#if defined(ZEBCORE_TEST_HOOKS)
 std::atomic<int64_t> g_calls{0};
 std::atomic<int64_t> g_fail_at{0};
 std::atomic<int64_t> g_live{0};
 std::atomic<int> g_fail_cache{0};
+#endif
 
 bool cpuid(unsigned leaf, unsigned sub, unsigned r[4]) {
     return __get_cpuid_count(leaf, sub, &r[0], &r[1], &r[2], &r[3]) != 0;
@@ -60,18 +70,13 @@ uint64_t detect_features() {
     return f;
 }
 
-// Walks the deterministic cache parameters (leaf 4 on Intel, 0x8000001D on
-// AMD) and returns the largest data or unified cache, 0 if none is reported.
-int64_t largest_data_cache() {
+// Largest data or unified cache described by one of the deterministic
+// cache-parameter leaves (4, or 0x8000001D): each sub-leaf describes one
+// cache until a sub-leaf of type 0. 0 if the leaf is beyond the processor's
+// highest leaf or describes no cache.
+int64_t largest_cache_in_leaf(unsigned leaf) {
     unsigned r[4] = {};
     int64_t best = 0;
-    unsigned leaf = 4;
-    if (cpuid(0x80000000u, 0, r) && r[0] >= 0x8000001Du) {
-        unsigned v[4] = {};
-        cpuid(0, 0, v);
-        const bool amd = v[1] == 0x68747541u;  // vendor string starts "Auth"
-        if (amd) leaf = 0x8000001Du;
-    }
     for (unsigned i = 0; i < 16; ++i) {
         if (!cpuid(leaf, i, r)) break;
         const unsigned type = r[0] & 0x1f;
@@ -83,6 +88,22 @@ int64_t largest_data_cache() {
         const int64_t sets = int64_t(r[2]) + 1;
         const int64_t size = ways * parts * line * sets;
         if (size > best) best = size;
+    }
+    return best;
+}
+
+// The largest data or unified cache, 0 if none is reported. A processor
+// describes its caches through leaf 4 or through extended leaf 0x8000001D
+// (valid when leaf 0x80000001 sets ECX bit 22, topology extensions); where
+// leaf 4 is reserved it reads as zeros, that is no cache. Both leaves that
+// are present are read and the larger answer kept; the operating system's
+// figures serve when neither describes a cache.
+int64_t largest_data_cache() {
+    unsigned r[4] = {};
+    int64_t best = largest_cache_in_leaf(4);
+    if (cpuid(0x80000001u, 0, r) && (r[2] & (1u << 22))) {
+        const int64_t ext = largest_cache_in_leaf(0x8000001Du);
+        if (ext > best) best = ext;
     }
     if (best == 0) {
         for (int name : {_SC_LEVEL3_CACHE_SIZE, _SC_LEVEL2_CACHE_SIZE, _SC_LEVEL1_DCACHE_SIZE}) {
@@ -99,18 +120,24 @@ extern "C" {
 
 void* zebMalloc(int32_t length) {
     if (length <= 0) return nullptr;
+#if defined(ZEBCORE_TEST_HOOKS)
     const int64_t n = ++g_calls;
     const int64_t at = g_fail_at.load();
     if (at > 0 && n == at) return nullptr;
+#endif
     const size_t rounded = (size_t(length) + 63) & ~size_t(63);
     void* p = std::aligned_alloc(64, rounded);
+#if defined(ZEBCORE_TEST_HOOKS)
     if (p) ++g_live;
+#endif
     return p;
 }
 
 void zebFree(void* ptr) {
     if (!ptr) return;
+#if defined(ZEBCORE_TEST_HOOKS)
     --g_live;
+#endif
     std::free(ptr);
 }
 
@@ -122,11 +149,15 @@ uint64_t zebGetEnabledCpuFeatures(void) {
 int32_t zebGetMaxCacheSizeB(int32_t* pSizeByte) {
     if (!pSizeByte) return -8;
     static const int64_t size = largest_data_cache();
-    if (g_fail_cache.load() || size <= 0) return -11;
+#if defined(ZEBCORE_TEST_HOOKS)
+    if (g_fail_cache.load()) return -11;
+#endif
+    if (size <= 0) return -11;
     *pSizeByte = size > INT32_MAX ? INT32_MAX : int32_t(size);
     return 0;
 }
 
+#if defined(ZEBCORE_TEST_HOOKS)
 void zebTestFailMallocAt(int32_t n) {
     g_calls = 0;
     g_fail_at = n > 0 ? n : 0;
@@ -135,5 +166,6 @@ void zebTestFailMallocAt(int32_t n) {
 int64_t zebTestLiveBlocks(void) { return g_live.load(); }
 
 void zebTestFailCacheQuery(int32_t fail) { g_fail_cache = fail ? 1 : 0; }
+#endif
 
 }  // extern "C"

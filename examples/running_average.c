@@ -19,7 +19,7 @@ int main(void) {
         ZebStatus st = t == 0 ? zebiAdd_8u32f_C1IR(&frame[0][0], W, &acc[0][0], W * 4, roi)
                               : zebiAddWeighted_8u32f_C1IR(&frame[0][0], W, &acc[0][0], W * 4, roi, 0.1f);
         if (st != zebStsNoErr) {
-            fprintf(stderr, "accumulation failed: %d\n", st);
+            fprintf(stderr, "accumulation failed: %s (%d)\n", zebcvGetStatusString(st), st);
             return 1;
         }
     }

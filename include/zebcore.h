@@ -52,14 +52,6 @@ ZEBCORE_API uint64_t zebGetEnabledCpuFeatures(void);
  * result is then left untouched). */
 ZEBCORE_API int32_t zebGetMaxCacheSizeB(int32_t* pSizeByte);
 
-/* Test support. zebMalloc fails on its nth call from now (n >= 1); n <= 0
- * switches the failure off. */
-ZEBCORE_API void zebTestFailMallocAt(int32_t n);
-/* Blocks from zebMalloc not yet released. */
-ZEBCORE_API int64_t zebTestLiveBlocks(void);
-/* Makes zebGetMaxCacheSizeB report failure (1) or work again (0). */
-ZEBCORE_API void zebTestFailCacheQuery(int32_t fail);
-
 #ifdef __cplusplus
 }
 #endif

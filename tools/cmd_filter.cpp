@@ -1,4 +1,8 @@
 // zebcv filter: derivative and smoothing filters with borders on an image.
+// 8-bit images run the 8-bit forms; 16-bit images run the Gaussian's
+// 16-bit forms and, for the other filters, the single-precision forms on
+// the exact sample values (the library has no 16-bit forms of those).
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -18,121 +22,141 @@ struct Options {
     std::string borderName = "repl";
     float sigma = 1.5f;
     int size = 0;  // 0: from sigma
+    int kernel_size() const { return size > 0 ? size : 2 * int(std::ceil(3 * sigma)) + 1; }
+    int mask_code() const { return mask == 5 ? zebMskSize5x5 : zebMskSize3x3; }
 };
 
-// An 8-bit copy with the same channels (16-bit samples keep the high byte).
-Image to_8bit(const Image& img) {
-    if (img.bytesPerSample == 1) return img;
-    Image o(img.width, img.height, img.channels, 1);
-    for (std::size_t i = 0; i < o.data.size(); ++i) o.data[i] = uint8_t(img.ptr<uint16_t>()[i] >> 8);
-    return o;
-}
-
-// Work buffer of the size a query reported, or a message on failure.
-struct Work {
-    std::vector<Zeb8u> bytes;
-    int status = 0;
-};
-
+// A work buffer of the size its query reported.
 template <class Query, class... A>
-Work work_for(Query q, A... a) {
-    Work w;
+std::vector<Zeb8u> work_for(LibCalls& calls, Fn<Query> query, A... a) {
     int n = 0;
-    w.status = q(a..., &n);
-    if (w.status == 0) w.bytes.resize(std::size_t(n));
-    return w;
+    return calls(query, a..., &n) ? std::vector<Zeb8u>(std::size_t(n)) : std::vector<Zeb8u>();
 }
 
-// |d/dx| + |d/dy| of a grey image with the Sobel or Scharr pair.
-int gradient(const Image& g, bool scharr, const Options& o, std::vector<float>& mag, const char*& failed) {
-    const ZebiSize roi{g.width, g.height};
-    std::vector<Zeb16s> gx(std::size_t(g.width) * g.height), gy(gx.size());
-    const int step16 = g.width * 2;
-    int st;
-    if (scharr) {
-        Work w = work_for(zebiFilterScharrVertGetBufferSize_8u16s_C1R, roi);
-        Work h = work_for(zebiFilterScharrHorizGetBufferSize_8u16s_C1R, roi);
-        if ((st = w.status) || (st = h.status)) return failed = "zebiFilterScharrGetBufferSize", st;
-        if ((st = zebiFilterScharrVertBorder_8u16s_C1R(g.data.data(), g.step(), gx.data(), step16, roi, o.border, 0,
-                                                       w.bytes.data())))
-            return failed = "zebiFilterScharrVertBorder_8u16s_C1R", st;
-        if ((st = zebiFilterScharrHorizBorder_8u16s_C1R(g.data.data(), g.step(), gy.data(), step16, roi, o.border, 0,
-                                                        h.bytes.data())))
-            return failed = "zebiFilterScharrHorizBorder_8u16s_C1R", st;
+// The derivative forms of one source type S with result type D: 8u16s for
+// 8-bit images, 32f for 16-bit ones.
+template <class S, class D>
+struct DerivativeForms {
+    using Masked = ZebStatus(const S*, int, D*, int, ZebiSize, ZebiMaskSize, ZebiBorderType, S, Zeb8u*);
+    using Fixed = ZebStatus(const S*, int, D*, int, ZebiSize, ZebiBorderType, S, Zeb8u*);
+    using MaskedSize = ZebStatus(ZebiSize, ZebiMaskSize, int*);
+    using FixedSize = ZebStatus(ZebiSize, int*);
+    Fn<Masked> sobelVert, sobelHoriz, laplacian;
+    Fn<MaskedSize> sobelVertSize, sobelHorizSize, laplacianSize;
+    Fn<Fixed> scharrVert, scharrHoriz;
+    Fn<FixedSize> scharrVertSize, scharrHorizSize;
+};
+
+const DerivativeForms<Zeb8u, Zeb16s> kForms8u{
+    ZCLI_FN(zebiFilterSobelVertBorder_8u16s_C1R),           ZCLI_FN(zebiFilterSobelHorizBorder_8u16s_C1R),
+    ZCLI_FN(zebiFilterLaplacianBorder_8u16s_C1R),           ZCLI_FN(zebiFilterSobelVertGetBufferSize_8u16s_C1R),
+    ZCLI_FN(zebiFilterSobelHorizGetBufferSize_8u16s_C1R),   ZCLI_FN(zebiFilterLaplacianGetBufferSize_8u16s_C1R),
+    ZCLI_FN(zebiFilterScharrVertBorder_8u16s_C1R),          ZCLI_FN(zebiFilterScharrHorizBorder_8u16s_C1R),
+    ZCLI_FN(zebiFilterScharrVertGetBufferSize_8u16s_C1R),   ZCLI_FN(zebiFilterScharrHorizGetBufferSize_8u16s_C1R)};
+const DerivativeForms<Zeb32f, Zeb32f> kForms32f{
+    ZCLI_FN(zebiFilterSobelVertBorder_32f_C1R),             ZCLI_FN(zebiFilterSobelHorizBorder_32f_C1R),
+    ZCLI_FN(zebiFilterLaplacianBorder_32f_C1R),             ZCLI_FN(zebiFilterSobelVertGetBufferSize_32f_C1R),
+    ZCLI_FN(zebiFilterSobelHorizGetBufferSize_32f_C1R),     ZCLI_FN(zebiFilterLaplacianGetBufferSize_32f_C1R),
+    ZCLI_FN(zebiFilterScharrVertBorder_32f_C1R),            ZCLI_FN(zebiFilterScharrHorizBorder_32f_C1R),
+    ZCLI_FN(zebiFilterScharrVertGetBufferSize_32f_C1R),     ZCLI_FN(zebiFilterScharrHorizGetBufferSize_32f_C1R)};
+
+// Magnitude of a grey image's derivative: |d/dx| + |d/dy| with the Sobel or
+// Scharr pair, or |laplacian|.
+template <class S, class D>
+std::vector<float> derivative(LibCalls& calls, const DerivativeForms<S, D>& f, const S* src, int srcStep,
+                              ZebiSize roi, const Options& o) {
+    const std::size_t n = std::size_t(roi.width) * roi.height;
+    const int step = roi.width * int(sizeof(D));
+    std::vector<D> a(n), b;
+    std::vector<float> mag(n);
+    if (o.filter == "laplacian") {
+        std::vector<Zeb8u> w = work_for(calls, f.laplacianSize, roi, o.mask_code());
+        if (calls.ok()) calls(f.laplacian, src, srcStep, a.data(), step, roi, o.mask_code(), o.border, S(0), w.data());
+        for (std::size_t i = 0; i < n; ++i) mag[i] = std::fabs(float(a[i]));
+        return mag;
+    }
+    b.resize(n);
+    if (o.filter == "scharr") {
+        std::vector<Zeb8u> wv = work_for(calls, f.scharrVertSize, roi);
+        std::vector<Zeb8u> wh = work_for(calls, f.scharrHorizSize, roi);
+        calls(f.scharrVert, src, srcStep, a.data(), step, roi, o.border, S(0), wv.data());
+        calls(f.scharrHoriz, src, srcStep, b.data(), step, roi, o.border, S(0), wh.data());
     } else {
-        const int mask = o.mask == 5 ? zebMskSize5x5 : zebMskSize3x3;
-        Work w = work_for(zebiFilterSobelVertGetBufferSize_8u16s_C1R, roi, mask);
-        Work h = work_for(zebiFilterSobelHorizGetBufferSize_8u16s_C1R, roi, mask);
-        if ((st = w.status) || (st = h.status)) return failed = "zebiFilterSobelGetBufferSize", st;
-        if ((st = zebiFilterSobelVertBorder_8u16s_C1R(g.data.data(), g.step(), gx.data(), step16, roi, mask, o.border,
-                                                      0, w.bytes.data())))
-            return failed = "zebiFilterSobelVertBorder_8u16s_C1R", st;
-        if ((st = zebiFilterSobelHorizBorder_8u16s_C1R(g.data.data(), g.step(), gy.data(), step16, roi, mask,
-                                                       o.border, 0, h.bytes.data())))
-            return failed = "zebiFilterSobelHorizBorder_8u16s_C1R", st;
+        std::vector<Zeb8u> wv = work_for(calls, f.sobelVertSize, roi, o.mask_code());
+        std::vector<Zeb8u> wh = work_for(calls, f.sobelHorizSize, roi, o.mask_code());
+        calls(f.sobelVert, src, srcStep, a.data(), step, roi, o.mask_code(), o.border, S(0), wv.data());
+        calls(f.sobelHoriz, src, srcStep, b.data(), step, roi, o.mask_code(), o.border, S(0), wh.data());
     }
-    mag.resize(gx.size());
-    for (std::size_t i = 0; i < gx.size(); ++i) mag[i] = float(std::abs(gx[i]) + std::abs(gy[i]));
-    return 0;
+    for (std::size_t i = 0; i < n; ++i) mag[i] = std::fabs(float(a[i])) + std::fabs(float(b[i]));
+    return mag;
 }
 
-int laplacian(const Image& g, const Options& o, std::vector<float>& mag, const char*& failed) {
-    const ZebiSize roi{g.width, g.height};
-    const int mask = o.mask == 5 ? zebMskSize5x5 : zebMskSize3x3;
-    std::vector<Zeb16s> l(std::size_t(g.width) * g.height);
-    Work w = work_for(zebiFilterLaplacianGetBufferSize_8u16s_C1R, roi, mask);
-    if (w.status) return failed = "zebiFilterLaplacianGetBufferSize_8u16s_C1R", w.status;
-    if (int st = zebiFilterLaplacianBorder_8u16s_C1R(g.data.data(), g.step(), l.data(), g.width * 2, roi, mask,
-                                                     o.border, 0, w.bytes.data()))
-        return failed = "zebiFilterLaplacianBorder_8u16s_C1R", st;
-    mag.resize(l.size());
-    for (std::size_t i = 0; i < l.size(); ++i) mag[i] = float(std::abs(l[i]));
-    return 0;
+std::vector<float> to_float(const Image& img) {
+    std::vector<float> v(img.data.size() / img.bytesPerSample);
+    for (std::size_t i = 0; i < v.size(); ++i) v[i] = float(sample(img, i));
+    return v;
 }
 
-// Lowpass of every channel of an 8-bit image.
-int lowpass(const Image& img, const Options& o, Image& out, const char*& failed) {
+// Lowpass of every channel, one plane at a time: the 8-bit form, or the
+// single-precision form rounded back to 16 bits.
+void lowpass(LibCalls& calls, const Image& img, const Options& o, Image& out) {
     const ZebiSize roi{img.width, img.height};
-    const int mask = o.mask == 5 ? zebMskSize5x5 : zebMskSize3x3;
-    Work w = work_for(zebiFilterLowpassGetBufferSize_8u_C1R, roi, mask);
-    if (w.status) return failed = "zebiFilterLowpassGetBufferSize_8u_C1R", w.status;
-    out = Image(img.width, img.height, img.channels, 1);
-    Image plane(img.width, img.height, 1, 1), result(img.width, img.height, 1, 1);
-    for (int c = 0; c < img.channels; ++c) {
-        for (std::size_t i = 0; i < plane.data.size(); ++i) plane.data[i] = img.data[i * img.channels + c];
-        if (int st = zebiFilterLowpassBorder_8u_C1R(plane.data.data(), plane.step(), result.data.data(), result.step(),
-                                                    roi, mask, o.border, 0, w.bytes.data()))
-            return failed = "zebiFilterLowpassBorder_8u_C1R", st;
-        for (std::size_t i = 0; i < plane.data.size(); ++i) out.data[i * img.channels + c] = result.data[i];
+    const std::size_t n = std::size_t(img.width) * img.height;
+    out = Image(img.width, img.height, img.channels, img.bytesPerSample);
+    if (img.bytesPerSample == 1) {
+        std::vector<Zeb8u> w = work_for(calls, ZCLI_FN(zebiFilterLowpassGetBufferSize_8u_C1R), roi, o.mask_code());
+        std::vector<Zeb8u> plane(n), result(n);
+        for (int c = 0; c < img.channels && calls.ok(); ++c) {
+            for (std::size_t i = 0; i < n; ++i) plane[i] = img.data[i * img.channels + c];
+            calls(ZCLI_FN(zebiFilterLowpassBorder_8u_C1R), plane.data(), img.width, result.data(), img.width, roi,
+                  o.mask_code(), o.border, Zeb8u(0), w.data());
+            for (std::size_t i = 0; i < n; ++i) out.data[i * img.channels + c] = result[i];
+        }
+        return;
     }
-    return 0;
+    std::vector<Zeb8u> w = work_for(calls, ZCLI_FN(zebiFilterLowpassGetBufferSize_32f_C1R), roi, o.mask_code());
+    const std::vector<float> all = to_float(img);
+    std::vector<float> plane(n), result(n);
+    const int step = img.width * int(sizeof(float));
+    for (int c = 0; c < img.channels && calls.ok(); ++c) {
+        for (std::size_t i = 0; i < n; ++i) plane[i] = all[i * img.channels + c];
+        calls(ZCLI_FN(zebiFilterLowpassBorder_32f_C1R), plane.data(), step, result.data(), step, roi, o.mask_code(),
+              o.border, 0.f, w.data());
+        for (std::size_t i = 0; i < n; ++i)
+            out.ptr<Zeb16u>()[i * img.channels + c] = Zeb16u(std::lround(std::clamp(result[i], 0.f, 65535.f)));
+    }
 }
 
-int gauss(const Image& img, const Options& o, Image& out, const char*& failed) {
+// Gaussian of a grey or colour image at its own depth.
+void gauss(LibCalls& calls, const Image& img, const Options& o, Image& out) {
     const ZebiSize roi{img.width, img.height};
-    const int k = o.size > 0 ? o.size : 2 * int(std::ceil(3 * o.sigma)) + 1;
-    const int ch = img.channels >= 3 ? 3 : 1;
+    const Zeb32u k = Zeb32u(o.kernel_size());
+    const bool wide = img.bytesPerSample == 2;
     int specBytes = 0, bufBytes = 0;
-    if (int st = zebiFilterGaussianGetBufferSize(roi, Zeb32u(k), zeb8u, ch, &specBytes, &bufBytes))
-        return failed = "zebiFilterGaussianGetBufferSize", st;
-    std::vector<Zeb8u> spec(std::size_t(specBytes), 0);
-    std::vector<Zeb8u> buf(std::size_t(bufBytes), 0);
+    if (!calls(ZCLI_FN(zebiFilterGaussianGetBufferSize), roi, k, wide ? zeb16u : zeb8u, img.channels, &specBytes,
+               &bufBytes))
+        return;
+    std::vector<Zeb8u> spec(static_cast<std::size_t>(specBytes)), buf(static_cast<std::size_t>(bufBytes));
     auto* s = reinterpret_cast<ZebFilterGaussianSpec*>(spec.data());
-    if (int st = zebiFilterGaussianInit(roi, Zeb32u(k), o.sigma, o.border, zeb8u, ch, s, buf.data()))
-        return failed = "zebiFilterGaussianInit", st;
-    Image src = img;
-    if (img.channels != ch) {  // grey with alpha or similar: keep the first channel
-        src = Image(img.width, img.height, 1, 1);
-        for (std::size_t i = 0; i < src.data.size(); ++i) src.data[i] = img.data[i * img.channels];
+    if (!calls(ZCLI_FN(zebiFilterGaussianInit), roi, k, o.sigma, o.border, wide ? zeb16u : zeb8u, img.channels, s,
+               buf.data()))
+        return;
+    out = Image(img.width, img.height, img.channels, img.bytesPerSample);
+    if (wide && img.channels == 3) {
+        const Zeb16u zero[3] = {0, 0, 0};
+        calls(ZCLI_FN(zebiFilterGaussianBorder_16u_C3R), img.ptr<Zeb16u>(), img.step(), out.ptr<Zeb16u>(), out.step(),
+              roi, zero, s, buf.data());
+    } else if (wide) {
+        calls(ZCLI_FN(zebiFilterGaussianBorder_16u_C1R), img.ptr<Zeb16u>(), img.step(), out.ptr<Zeb16u>(), out.step(),
+              roi, Zeb16u(0), s, buf.data());
+    } else if (img.channels == 3) {
+        const Zeb8u zero[3] = {0, 0, 0};
+        calls(ZCLI_FN(zebiFilterGaussianBorder_8u_C3R), img.data.data(), img.step(), out.data.data(), out.step(), roi,
+              zero, s, buf.data());
+    } else {
+        calls(ZCLI_FN(zebiFilterGaussianBorder_8u_C1R), img.data.data(), img.step(), out.data.data(), out.step(), roi,
+              Zeb8u(0), s, buf.data());
     }
-    out = Image(img.width, img.height, ch, 1);
-    const Zeb8u zero[3] = {0, 0, 0};
-    const int st = ch == 3 ? zebiFilterGaussianBorder_8u_C3R(src.data.data(), src.step(), out.data.data(), out.step(),
-                                                             roi, zero, s, buf.data())
-                           : zebiFilterGaussianBorder_8u_C1R(src.data.data(), src.step(), out.data.data(), out.step(),
-                                                             roi, 0, s, buf.data());
-    if (st) return failed = ch == 3 ? "zebiFilterGaussianBorder_8u_C3R" : "zebiFilterGaussianBorder_8u_C1R", st;
-    return 0;
 }
 
 void describe(const std::vector<float>& v, const char* what) {
@@ -159,7 +183,8 @@ bool parse_border(const std::string& s, int& out) {
     return false;
 }
 
-// Parses the arguments; false (with a message) on a usage error.
+// Parses the arguments; false (with a message) on a usage error. Border
+// modes a filter does not take are left for the library to refuse.
 bool parse(const std::vector<std::string>& args, Options& o) {
     std::vector<std::string> pos;
     for (std::size_t i = 0; i < args.size(); ++i) {
@@ -168,23 +193,20 @@ bool parse(const std::vector<std::string>& args, Options& o) {
             pos.push_back(a);
             continue;
         }
-        if (i + 1 >= args.size()) return std::fprintf(stderr, "zebcv: %s needs a value\n", a.c_str()), false;
+        if (a != "--mask" && a != "--border" && a != "--sigma" && a != "--size")
+            return usage_error("unknown option " + a);
+        if (i + 1 >= args.size()) return usage_error(a + " needs a value");
         const std::string& v = args[++i];
         if (a == "--mask") {
-            if (!parse_int(v, o.mask) || (o.mask != 3 && o.mask != 5))
-                return std::fprintf(stderr, "zebcv: --mask takes 3 or 5\n"), false;
+            if (!parse_int(v, o.mask) || (o.mask != 3 && o.mask != 5)) return usage_error("--mask takes 3 or 5");
         } else if (a == "--border") {
             if (!parse_border(v, o.border))
-                return std::fprintf(stderr, "zebcv: --border takes const, repl, mirror, mirror-edge or wrap\n"), false;
+                return usage_error("--border takes const, repl, mirror, mirror-edge or wrap");
             o.borderName = v;
         } else if (a == "--sigma") {
-            if (!parse_float(v, o.sigma) || !(o.sigma > 0))
-                return std::fprintf(stderr, "zebcv: --sigma takes a positive number\n"), false;
-        } else if (a == "--size") {
-            if (!parse_int(v, o.size) || o.size < 3 || o.size % 2 == 0)
-                return std::fprintf(stderr, "zebcv: --size takes an odd number of at least 3\n"), false;
-        } else {
-            return std::fprintf(stderr, "zebcv: unknown option %s\n", a.c_str()), false;
+            if (!parse_float(v, o.sigma) || !(o.sigma > 0)) return usage_error("--sigma takes a positive number");
+        } else if (!parse_int(v, o.size) || o.size < 3 || o.size % 2 == 0) {
+            return usage_error("--size takes an odd number of at least 3");
         }
     }
     if (pos.size() != 3) return false;
@@ -193,30 +215,43 @@ bool parse(const std::vector<std::string>& args, Options& o) {
     o.out = pos[2];
     if (o.filter != "sobel" && o.filter != "scharr" && o.filter != "laplacian" && o.filter != "lowpass" &&
         o.filter != "gauss")
-        return std::fprintf(stderr, "zebcv: unknown filter '%s'\n", o.filter.c_str()), false;
-    if (o.filter == "scharr" && o.mask != 3) return std::fprintf(stderr, "zebcv: scharr is 3x3 only\n"), false;
-    if (o.filter == "gauss" && o.border != zebBorderConst && o.border != zebBorderRepl)
-        return std::fprintf(stderr, "zebcv: gauss takes --border const or repl\n"), false;
+        return usage_error("unknown filter '" + o.filter + "'");
+    if (o.filter == "scharr" && o.mask != 3) return usage_error("scharr is 3x3 only");
     return true;
 }
 
-// Runs the chosen filter; the result is an 8-bit image for viewing.
-int apply(const Image& input, const Options& o, Image& result, double& ms) {
-    const Image img = to_8bit(input);
-    const char* failed = "";
-    int st = 0;
+// Runs the chosen filter. Smoothing keeps the input's depth and colour
+// (alpha is dropped); derivatives give an 8-bit view of the magnitude.
+void apply(LibCalls& calls, const Image& input, const Options& o, Image& result) {
+    const Image img = drop_alpha(input);
     if (o.filter == "lowpass" || o.filter == "gauss") {
-        ms = time_ms([&] { st = o.filter == "gauss" ? gauss(img, o, result, failed) : lowpass(img, o, result, failed); });
-        if (st) return fail_status(failed, st);
-        return kExitOk;
+        if (o.filter == "gauss")
+            gauss(calls, img, o, result);
+        else
+            lowpass(calls, img, o, result);
+        return;
     }
-    const Image g = to_gray8(img);
-    std::vector<float> v;
-    ms = time_ms([&] { st = o.filter == "laplacian" ? laplacian(g, o, v, failed) : gradient(g, o.filter == "scharr", o, v, failed); });
-    if (st) return fail_status(failed, st);
-    describe(v, o.filter == "laplacian" ? "|laplacian|" : "|d/dx| + |d/dy|");
-    result = to_view8(v.data(), g.width, g.height);
-    return kExitOk;
+    const Image g = to_gray(img);
+    const ZebiSize roi{g.width, g.height};
+    std::vector<float> mag;
+    if (g.bytesPerSample == 1) {
+        mag = derivative(calls, kForms8u, g.data.data(), g.step(), roi, o);
+    } else {
+        const std::vector<float> f = to_float(g);
+        mag = derivative(calls, kForms32f, f.data(), g.width * int(sizeof(float)), roi, o);
+    }
+    if (!calls.ok()) return;
+    describe(mag, o.filter == "laplacian" ? "|laplacian|" : "|d/dx| + |d/dy|");
+    result = to_view8(mag.data(), g.width, g.height);
+}
+
+std::string kernel_text(const Options& o) {
+    char text[64];
+    if (o.filter == "gauss")
+        std::snprintf(text, sizeof text, "size %d sigma %g", o.kernel_size(), double(o.sigma));
+    else
+        std::snprintf(text, sizeof text, "%dx%d", o.mask, o.mask);
+    return text;
 }
 
 int cmd_filter(const std::vector<std::string>& args) {
@@ -225,19 +260,27 @@ int cmd_filter(const std::vector<std::string>& args) {
     Image in, out;
     std::string err;
     if (!read_image(o.in, in, err)) return fail(err);
-    double ms = 0;
-    if (int rc = apply(in, o, out, ms)) return rc;
+    LibCalls calls;
+    apply(calls, in, o, out);
+    if (!calls.ok()) return calls.fail();
     if (!write_image(o.out, out, err)) return fail(err);
-    const std::string mask = o.filter == "gauss" ? "size " + std::to_string(o.size > 0 ? o.size : 2 * int(std::ceil(3 * o.sigma)) + 1)
-                                                 : std::to_string(o.mask) + "x" + std::to_string(o.mask);
-    std::printf("%s %s, border %s, on %dx%d in %.3f ms, written to %s\n", o.filter.c_str(), mask.c_str(),
-                o.borderName.c_str(), in.width, in.height, ms, o.out.c_str());
+    std::printf("%s %s, border %s, on %dx%d %d-bit in %.3f ms, written to %s (%d-bit)\n", o.filter.c_str(),
+                kernel_text(o).c_str(), o.borderName.c_str(), in.width, in.height, 8 * in.bytesPerSample, calls.ms(),
+                o.out.c_str(), 8 * out.bytesPerSample);
     return kExitOk;
 }
-ZCLI_COMMAND("filter",
-             "sobel|scharr|laplacian|lowpass|gauss IMAGE OUT [--mask 3|5] "
-             "[--border const|repl|mirror|mirror-edge|wrap] [--sigma S --size K]",
-             "derivative and smoothing filters with borders", cmd_filter);
+ZCLI_COMMAND("filter", "KIND IMAGE OUT [OPTIONS]", "derivative and smoothing filters with borders",
+             "KIND is sobel, scharr, laplacian, lowpass or gauss.\n"
+             "  --mask 3|5\tmask size of sobel, laplacian and lowpass (default 3; scharr is 3x3 only)\n"
+             "  --border MODE\tconst (zero), repl (default), mirror, mirror-edge or wrap; gauss takes const or "
+             "repl\n"
+             "  --sigma S\tgauss: standard deviation (default 1.5)\n"
+             "  --size K\tgauss: odd kernel length of at least 3 (default 2 * ceil(3 * S) + 1)\n"
+             "sobel and scharr write |d/dx| + |d/dy|, laplacian its magnitude, each scaled to 8 bits for "
+             "viewing. lowpass and gauss keep the image's channels and depth: 16-bit images give 16-bit results "
+             "(write them as .png, .pgm or .ppm). 16-bit images are differentiated and lowpass-filtered in single "
+             "precision on their exact values; gauss runs at 16 bits.",
+             cmd_filter);
 
 int demo_filter(const DemoContext& ctx) {
     struct Step {
@@ -255,15 +298,13 @@ int demo_filter(const DemoContext& ctx) {
         o.mask = s.mask;
         o.sigma = 2.0f;
         Image out;
-        double ms = 0;
-        const Image& src = o.filter == "lowpass" || o.filter == "gauss" ? ctx.colour : ctx.frame0;
-        if (int rc = apply(src, o, out, ms)) return rc;
+        LibCalls calls;
+        apply(calls, o.filter == "lowpass" || o.filter == "gauss" ? ctx.colour : ctx.frame0, o, out);
+        if (!calls.ok()) return calls.fail();
         std::string err;
         if (!write_image(ctx.outDir + "/" + s.file, out, err)) return fail(err);
-        if (o.filter == "gauss")
-            std::printf("%s sigma %.1f in %.3f ms -> %s/%s\n", s.filter, double(o.sigma), ms, ctx.outDir.c_str(), s.file);
-        else
-            std::printf("%s %dx%d in %.3f ms -> %s/%s\n", s.filter, s.mask, s.mask, ms, ctx.outDir.c_str(), s.file);
+        std::printf("%s %s in %.3f ms -> %s/%s\n", s.filter, kernel_text(o).c_str(), calls.ms(), ctx.outDir.c_str(),
+                    s.file);
     }
     return kExitOk;
 }

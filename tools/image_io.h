@@ -1,5 +1,6 @@
-// Image files for the command-line program: PNG, JPEG, PGM and PPM in,
-// PNG, JPEG, PGM and PPM out, 8-bit (and 16-bit PNG/PGM in).
+// Image files for the command-line program: PNG, JPEG, PGM and PPM in and
+// out; 8-bit throughout, 16-bit PNG, PGM and PPM as well (JPEG holds
+// 8-bit samples only).
 #pragma once
 
 #include <cstdint>
@@ -25,10 +26,22 @@ struct Image {
 
 // Reads an image; on failure returns false with a message in err.
 bool read_image(const std::string& path, Image& out, std::string& err);
-// Writes an 8-bit image, format by extension (.png .jpg .jpeg .pgm .ppm).
+// Writes an 8-bit or 16-bit image, format by extension (.png .jpg .jpeg
+// .pgm .ppm); 16-bit samples go to PNG, PGM or PPM only.
 bool write_image(const std::string& path, const Image& img, std::string& err);
-// A one-channel 8-bit copy (luma of colour input).
-Image to_gray8(const Image& img);
+// A one-channel copy at the same depth (rounded luma of colour input,
+// 299 R + 587 G + 114 B over 1000; alpha is ignored).
+Image to_gray(const Image& img);
+// Grey plus alpha keeps the grey channel, RGBA the colour channels; one
+// and three channels are returned as they are.
+Image drop_alpha(const Image& img);
+// An 8-bit mask: 255 where any colour channel (alpha ignored) is non-zero,
+// 0 elsewhere, at any depth.
+Image to_mask8(const Image& img);
+// A sample of an 8-bit or 16-bit image as an unsigned value.
+inline unsigned sample(const Image& img, std::size_t i) {
+    return img.bytesPerSample == 2 ? img.ptr<uint16_t>()[i] : img.data[i];
+}
 // Linear map of a 16s/32f single-channel result to 8-bit for viewing:
 // |v| scaled so that the largest magnitude becomes 255.
 Image to_view8(const float* values, int width, int height);

@@ -15,6 +15,12 @@ ZEB_API const ZebLibraryVersion* zebcvGetLibVersion(void);
  * Every target gives identical results; only speed differs. */
 ZEB_API const char* zebcvGetSimdTarget(void);
 
+/* The name of a status value, spelled as its enumerator: "zebStsNoErr",
+ * "zebStsSizeErr", "zebStsDivByZero", ... A value the library never returns
+ * gives "unknown status". Never fails and never returns null; the string is
+ * constant and must not be written or freed. */
+ZEB_API const char* zebcvGetStatusString(ZebStatus status);
+
 /* Inpainting states (the inpainting family itself is separate). */
 typedef struct ZebiInpaintState_8u_C1R ZebiInpaintState_8u_C1R;
 typedef struct ZebiInpaintState_8u_C3R ZebiInpaintState_8u_C3R;

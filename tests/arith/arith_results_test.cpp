@@ -14,6 +14,7 @@
 
 #include "arith_members.h"
 #include "call.h"
+#include "core/zebcore_test_hooks.h"
 
 namespace {
 

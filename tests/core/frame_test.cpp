@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "harness.h"
+#include "core/zebcore_test_hooks.h"
 
 ZEB_TEST_TABLE(zebcvGetLibVersion);
 ZEB_TEST_TABLE(zebiInpaintFree_8u_C1R);
