@@ -122,13 +122,15 @@ void float_run(const float* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n
         q[k] = hn::LoadU(df, lq + k * kL);
     }
     int x = 0;
-    for (; x + st::kMomentLanes <= n; x += st::kMomentLanes)
+    for (; x + st::kMomentLanes <= n; x += st::kMomentLanes) {
+        HWY_UNROLL(8)
         for (int k = 0; k < kR; ++k) {
             auto v = hn::LoadU(df, p + x + k * kL);
             if constexpr (kMask) v = hn::IfThenElseZero(SelectedLanes(df, m + x + k * kL), v);
             s[k] = hn::Add(s[k], v);
             q[k] = hn::Add(q[k], hn::Mul(v, v));
         }
+    }
     for (int k = 0; k < kR; ++k) {
         hn::StoreU(s[k], df, ls + k * kL);
         hn::StoreU(q[k], df, lq + k * kL);
@@ -196,7 +198,8 @@ void deviation_run(const float* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, i
     for (int k = 0; k < kR; ++k) acc[k] = hn::LoadU(dd, ld + k * kL);
     const auto mv = hn::Set(dd, mean);
     int x = 0;
-    for (; x + st::kMomentLanes <= n; x += st::kMomentLanes)
+    for (; x + st::kMomentLanes <= n; x += st::kMomentLanes) {
+        HWY_UNROLL(8)
         for (int k = 0; k < kR; ++k) {
             const int o = x + k * kL;
             auto v = hn::Sub(hn::PromoteTo(dd, hn::LoadU(dh, p + o)), mv);
@@ -207,6 +210,7 @@ void deviation_run(const float* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, i
             }
             acc[k] = hn::Add(acc[k], hn::Mul(v, v));
         }
+    }
     for (int k = 0; k < kR; ++k) hn::StoreU(acc[k], dd, ld + k * kL);
     st::deviation(p + x, kMask ? m + x : nullptr, n - x, mean, ld);
 }

@@ -154,9 +154,12 @@ void float_rows(const float* const* a, const float* const* b, const uint8_t* con
         nb[r] = F == Fam::Norm ? a[r] : b[r];
     }
     int x = 0;
-    for (; x + 16 <= n; x += 16)
+    // Fully unrolled, so that the accumulators stay in registers.
+    for (; x + 16 <= n; x += 16) {
+        HWY_UNROLL(8)
         for (int r = 0; r < R; ++r) {
             const auto unsel = hn::VecFromMask(d8, hn::Eq(hn::LoadU(d8, m[r] + x), hn::Zero(d8)));
+            HWY_UNROLL(4)
             for (int g = 0; g < 4; ++g) {
                 const auto u = hn::BitCast(d4, hn::TableLookupBytes(unsel, spread[g]));
                 const auto va = hn::LoadU(d4, a[r] + x + 4 * g);
@@ -166,6 +169,7 @@ void float_rows(const float* const* a, const float* const* b, const uint8_t* con
                 if constexpr (F == Fam::Rel) ad[r] = hn::Add(ad[r], hn::AndNot(u, term<K>(vb)));
             }
         }
+    }
     for (int r = 0; r < R; ++r) {
         hn::StoreU(an[r], d4, num[r]);
         hn::StoreU(ad[r], d4, den[r]);
