@@ -37,118 +37,173 @@ Buffers& buf() {
 int step(const cv::Mat& m) { return int(m.step); }
 
 ZB_PAIR("Mean_8u_C1MR",
-        [] { auto& b = buf(); zebiMean_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.mean); },
+        [] {
+            auto& b = buf();
+            ZB_CHECK(zebiMean_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.mean));
+        },
         [] { auto& b = buf(); b.m = cv::mean(b.a8, b.mask); }, 2 * kPx);
 ZB_PAIR("Mean_StdDev_8u_C1R",
-        [] { auto& b = buf(); zebiMean_StdDev_8u_C1R(b.a8.data, step(b.a8), kRoi, &b.mean, &b.sd); },
+        [] { auto& b = buf(); ZB_CHECK(zebiMean_StdDev_8u_C1R(b.a8.data, step(b.a8), kRoi, &b.mean, &b.sd)); },
         [] { auto& b = buf(); cv::meanStdDev(b.a8, b.m, b.s); }, kPx);
 ZB_PAIR("Mean_StdDev_8u_C1MR",
         [] {
             auto& b = buf();
-            zebiMean_StdDev_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.mean, &b.sd);
+            ZB_CHECK(zebiMean_StdDev_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.mean, &b.sd));
         },
         [] { auto& b = buf(); cv::meanStdDev(b.a8, b.m, b.s, b.mask); }, 2 * kPx);
 ZB_PAIR("Mean_StdDev_8u_C1MR full mask",
         [] {
             auto& b = buf();
-            zebiMean_StdDev_8u_C1MR(b.a8.data, step(b.a8), b.full.data, step(b.full), kRoi, &b.mean, &b.sd);
+            ZB_CHECK(zebiMean_StdDev_8u_C1MR(b.a8.data, step(b.a8), b.full.data, step(b.full), kRoi, &b.mean, &b.sd));
         },
         [] { auto& b = buf(); cv::meanStdDev(b.a8, b.m, b.s, b.full); }, 2 * kPx);
-ZB_PAIR("Mean_StdDev_16u_C1MR",
-        [] {
-            auto& b = buf();
-            zebiMean_StdDev_16u_C1MR(b.a16.ptr<Zeb16u>(), step(b.a16), b.mask.data, step(b.mask), kRoi, &b.mean,
-                                     &b.sd);
-        },
-        [] { auto& b = buf(); cv::meanStdDev(b.a16, b.m, b.s, b.mask); }, 3 * kPx);
+ZB_PAIR(
+    "Mean_StdDev_16u_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiMean_StdDev_16u_C1MR(b.a16.ptr<Zeb16u>(), step(b.a16), b.mask.data, step(b.mask), kRoi, &b.mean,
+                                          &b.sd));
+    },
+    [] {
+        auto& b = buf();
+        cv::meanStdDev(b.a16, b.m, b.s, b.mask);
+    },
+    3 * kPx);
 ZB_PAIR("Mean_StdDev_32f_C1R",
-        [] { auto& b = buf(); zebiMean_StdDev_32f_C1R(b.af.ptr<float>(), step(b.af), kRoi, &b.mean, &b.sd); },
-        [] { auto& b = buf(); cv::meanStdDev(b.af, b.m, b.s); }, 4 * kPx);
-ZB_PAIR("Mean_StdDev_32f_C1MR",
         [] {
             auto& b = buf();
-            zebiMean_StdDev_32f_C1MR(b.af.ptr<float>(), step(b.af), b.mask.data, step(b.mask), kRoi, &b.mean, &b.sd);
+            ZB_CHECK(zebiMean_StdDev_32f_C1R(b.af.ptr<float>(), step(b.af), kRoi, &b.mean, &b.sd));
         },
-        [] { auto& b = buf(); cv::meanStdDev(b.af, b.m, b.s, b.mask); }, 5 * kPx);
+        [] { auto& b = buf(); cv::meanStdDev(b.af, b.m, b.s); }, 4 * kPx);
+ZB_PAIR(
+    "Mean_StdDev_32f_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(
+            zebiMean_StdDev_32f_C1MR(b.af.ptr<float>(), step(b.af), b.mask.data, step(b.mask), kRoi, &b.mean, &b.sd));
+    },
+    [] {
+        auto& b = buf();
+        cv::meanStdDev(b.af, b.m, b.s, b.mask);
+    },
+    5 * kPx);
 // OpenCV has no single-channel-of-three form: it gives all three channels.
 ZB_PAIR("Mean_StdDev_8u_C3CR",
-        [] { auto& b = buf(); zebiMean_StdDev_8u_C3CR(b.c8.data, step(b.c8), kRoi, 2, &b.mean, &b.sd); },
+        [] { auto& b = buf(); ZB_CHECK(zebiMean_StdDev_8u_C3CR(b.c8.data, step(b.c8), kRoi, 2, &b.mean, &b.sd)); },
         [] { auto& b = buf(); cv::meanStdDev(b.c8, b.m, b.s); }, 3 * kPx);
 ZB_PAIR("MinMaxIndx_8u_C1R",
         [] {
             auto& b = buf();
-            zebiMinMaxIndx_8u_C1R(b.a8.data, step(b.a8), kRoi, &b.fmin, &b.fmax, &b.pmin, &b.pmax);
+            ZB_CHECK(zebiMinMaxIndx_8u_C1R(b.a8.data, step(b.a8), kRoi, &b.fmin, &b.fmax, &b.pmin, &b.pmax));
         },
         [] { auto& b = buf(); cv::minMaxLoc(b.a8, &b.lo, &b.hi, &b.qmin, &b.qmax); }, kPx);
-ZB_PAIR("MinMaxIndx_8u_C1MR",
-        [] {
-            auto& b = buf();
-            zebiMinMaxIndx_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.fmin, &b.fmax, &b.pmin,
-                                   &b.pmax);
-        },
-        [] { auto& b = buf(); cv::minMaxLoc(b.a8, &b.lo, &b.hi, &b.qmin, &b.qmax, b.mask); }, 2 * kPx);
+ZB_PAIR(
+    "MinMaxIndx_8u_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiMinMaxIndx_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.fmin, &b.fmax,
+                                        &b.pmin, &b.pmax));
+    },
+    [] {
+        auto& b = buf();
+        cv::minMaxLoc(b.a8, &b.lo, &b.hi, &b.qmin, &b.qmax, b.mask);
+    },
+    2 * kPx);
 ZB_PAIR("MinMaxIndx_32f_C1R",
         [] {
             auto& b = buf();
-            zebiMinMaxIndx_32f_C1R(b.af.ptr<float>(), step(b.af), kRoi, &b.fmin, &b.fmax, &b.pmin, &b.pmax);
+            ZB_CHECK(zebiMinMaxIndx_32f_C1R(b.af.ptr<float>(), step(b.af), kRoi, &b.fmin, &b.fmax, &b.pmin, &b.pmax));
         },
         [] { auto& b = buf(); cv::minMaxLoc(b.af, &b.lo, &b.hi, &b.qmin, &b.qmax); }, 4 * kPx);
 ZB_PAIR("Norm_Inf_8u_C1MR",
-        [] { auto& b = buf(); zebiNorm_Inf_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.value); },
+        [] {
+            auto& b = buf();
+            ZB_CHECK(zebiNorm_Inf_8u_C1MR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), kRoi, &b.value));
+        },
         [] { auto& b = buf(); b.value = cv::norm(b.a8, cv::NORM_INF, b.mask); }, 2 * kPx);
-ZB_PAIR("NormDiff_L1_8u_C1MR",
-        [] {
-            auto& b = buf();
-            zebiNormDiff_L1_8u_C1MR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.mask.data, step(b.mask), kRoi,
-                                    &b.value);
-        },
-        [] { auto& b = buf(); b.value = cv::norm(b.a8, b.b8, cv::NORM_L1, b.mask); }, 3 * kPx);
-ZB_PAIR("NormDiff_L2_8u_C1MR",
-        [] {
-            auto& b = buf();
-            zebiNormDiff_L2_8u_C1MR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.mask.data, step(b.mask), kRoi,
-                                    &b.value);
-        },
-        [] { auto& b = buf(); b.value = cv::norm(b.a8, b.b8, cv::NORM_L2, b.mask); }, 3 * kPx);
-ZB_PAIR("NormDiff_L2_8u_C1MR full mask",
-        [] {
-            auto& b = buf();
-            zebiNormDiff_L2_8u_C1MR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.full.data, step(b.full), kRoi,
-                                    &b.value);
-        },
-        [] { auto& b = buf(); b.value = cv::norm(b.a8, b.b8, cv::NORM_L2, b.full); }, 3 * kPx);
+ZB_PAIR(
+    "NormDiff_L1_8u_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiNormDiff_L1_8u_C1MR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.mask.data, step(b.mask),
+                                         kRoi, &b.value));
+    },
+    [] {
+        auto& b = buf();
+        b.value = cv::norm(b.a8, b.b8, cv::NORM_L1, b.mask);
+    },
+    3 * kPx);
+ZB_PAIR(
+    "NormDiff_L2_8u_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiNormDiff_L2_8u_C1MR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.mask.data, step(b.mask),
+                                         kRoi, &b.value));
+    },
+    [] {
+        auto& b = buf();
+        b.value = cv::norm(b.a8, b.b8, cv::NORM_L2, b.mask);
+    },
+    3 * kPx);
+ZB_PAIR(
+    "NormDiff_L2_8u_C1MR full mask",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiNormDiff_L2_8u_C1MR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.full.data, step(b.full),
+                                         kRoi, &b.value));
+    },
+    [] {
+        auto& b = buf();
+        b.value = cv::norm(b.a8, b.b8, cv::NORM_L2, b.full);
+    },
+    3 * kPx);
 ZB_PAIR("Norm_L2_32f_C1MR full mask",
         [] {
             auto& b = buf();
-            zebiNorm_L2_32f_C1MR(b.af.ptr<float>(), step(b.af), b.full.data, step(b.full), kRoi, &b.value);
+            ZB_CHECK(zebiNorm_L2_32f_C1MR(b.af.ptr<float>(), step(b.af), b.full.data, step(b.full), kRoi, &b.value));
         },
         [] { auto& b = buf(); b.value = cv::norm(b.af, cv::NORM_L2, b.full); }, 5 * kPx);
 ZB_PAIR("Norm_L2_32f_C1MR",
         [] {
             auto& b = buf();
-            zebiNorm_L2_32f_C1MR(b.af.ptr<float>(), step(b.af), b.mask.data, step(b.mask), kRoi, &b.value);
+            ZB_CHECK(zebiNorm_L2_32f_C1MR(b.af.ptr<float>(), step(b.af), b.mask.data, step(b.mask), kRoi, &b.value));
         },
         [] { auto& b = buf(); b.value = cv::norm(b.af, cv::NORM_L2, b.mask); }, 5 * kPx);
-ZB_PAIR("NormDiff_Inf_32f_C1MR",
-        [] {
-            auto& b = buf();
-            zebiNormDiff_Inf_32f_C1MR(b.af.ptr<float>(), step(b.af), b.bf.ptr<float>(), step(b.bf), b.mask.data,
-                                      step(b.mask), kRoi, &b.value);
-        },
-        [] { auto& b = buf(); b.value = cv::norm(b.af, b.bf, cv::NORM_INF, b.mask); }, 9 * kPx);
-ZB_PAIR("NormRel_L1_32f_C1MR",
-        [] {
-            auto& b = buf();
-            zebiNormRel_L1_32f_C1MR(b.af.ptr<float>(), step(b.af), b.bf.ptr<float>(), step(b.bf), b.mask.data,
-                                    step(b.mask), kRoi, &b.value);
-        },
-        [] { auto& b = buf(); b.value = cv::norm(b.af, b.bf, cv::NORM_L1 | cv::NORM_RELATIVE, b.mask); }, 9 * kPx);
-ZB_PAIR("NormDiff_L2_16u_C1MR",
-        [] {
-            auto& b = buf();
-            zebiNormDiff_L2_16u_C1MR(b.a16.ptr<Zeb16u>(), step(b.a16), b.a16.ptr<Zeb16u>(), step(b.a16), b.mask.data,
-                                     step(b.mask), kRoi, &b.value);
-        },
-        [] { auto& b = buf(); b.value = cv::norm(b.a16, b.a16, cv::NORM_L2, b.mask); }, 5 * kPx);
+ZB_PAIR(
+    "NormDiff_Inf_32f_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiNormDiff_Inf_32f_C1MR(b.af.ptr<float>(), step(b.af), b.bf.ptr<float>(), step(b.bf), b.mask.data,
+                                           step(b.mask), kRoi, &b.value));
+    },
+    [] {
+        auto& b = buf();
+        b.value = cv::norm(b.af, b.bf, cv::NORM_INF, b.mask);
+    },
+    9 * kPx);
+ZB_PAIR(
+    "NormRel_L1_32f_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiNormRel_L1_32f_C1MR(b.af.ptr<float>(), step(b.af), b.bf.ptr<float>(), step(b.bf), b.mask.data,
+                                         step(b.mask), kRoi, &b.value));
+    },
+    [] {
+        auto& b = buf();
+        b.value = cv::norm(b.af, b.bf, cv::NORM_L1 | cv::NORM_RELATIVE, b.mask);
+    },
+    9 * kPx);
+ZB_PAIR(
+    "NormDiff_L2_16u_C1MR",
+    [] {
+        auto& b = buf();
+        ZB_CHECK(zebiNormDiff_L2_16u_C1MR(b.a16.ptr<Zeb16u>(), step(b.a16), b.a16.ptr<Zeb16u>(), step(b.a16),
+                                          b.mask.data, step(b.mask), kRoi, &b.value));
+    },
+    [] {
+        auto& b = buf();
+        b.value = cv::norm(b.a16, b.a16, cv::NORM_L2, b.mask);
+    },
+    5 * kPx);
 
 }  // namespace

@@ -91,4 +91,74 @@ HWY_INLINE void FinishStores() {
 }  // namespace zeb::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
+// ---- Masked reductions: mask selections and exact widening sums ----
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE {
+
+// The lanes of d whose byte in an 8-bit mask is non-zero: reads Lanes(d)
+// mask bytes from m. Wider lanes widen the bytes first (zero extension
+// keeps "non-zero" intact).
+template <class D>
+HWY_INLINE hn::Mask<D> SelectedLanes(D d, const uint8_t* HWY_RESTRICT m) {
+    const hn::RebindToUnsigned<D> du;
+    using U = hn::TFromD<decltype(du)>;
+    if constexpr (sizeof(U) == 1) {
+        return hn::RebindMask(d, hn::Ne(hn::LoadU(du, m), hn::Zero(du)));
+    } else {
+        const hn::Rebind<uint8_t, decltype(du)> d8;
+        return hn::RebindMask(d, hn::Ne(hn::PromoteTo(du, hn::LoadU(d8, m)), hn::Zero(du)));
+    }
+}
+
+// The exact sum of all lanes of a vector of unsigned (or non-negative)
+// integers, as a 64-bit integer; lane order is irrelevant to the result.
+template <class D>
+HWY_INLINE uint64_t WideLaneSum(D d, hn::Vec<D> v) {
+    HWY_ALIGN hn::TFromD<D> lanes[hn::MaxLanes(D())];
+    hn::Store(v, d, lanes);
+    uint64_t t = 0;
+    for (size_t i = 0; i < hn::Lanes(d); ++i) t += uint64_t(lanes[i]);
+    return t;
+}
+
+// acc + the squares of the 8-bit lanes of v, two squares to a 32-bit lane
+// (even and odd bytes are widened in place, sign-extended when kSigned,
+// and multiplied pairwise). Exact while no lane passes 2^31.
+template <bool kSigned, class V8, class D32>
+HWY_INLINE hn::Vec<D32> AddSquaresOf8(D32 d32, V8 v, hn::Vec<D32> acc) {
+    const hn::Repartition<int16_t, D32> d16;
+    const hn::Repartition<uint16_t, D32> du16;
+    const auto w = hn::BitCast(d16, v);
+    const auto even = kSigned ? hn::ShiftRight<8>(hn::ShiftLeft<8>(w)) : hn::And(w, hn::Set(d16, 0xff));
+    const auto odd = kSigned ? hn::ShiftRight<8>(w) : hn::BitCast(d16, hn::ShiftRight<8>(hn::BitCast(du16, w)));
+    auto unused = hn::Zero(d32);  // the second sum of the pairwise multiply stays 0 on x86
+    acc = hn::ReorderWidenMulAccumulate(d32, even, even, acc, unused);
+    acc = hn::ReorderWidenMulAccumulate(d32, odd, odd, acc, unused);
+    return hn::Add(acc, unused);
+}
+
+// The 16-bit unsigned lanes of v widened to 32 bits, as two vectors whose
+// lanes together hold every value once.
+template <class V16>
+HWY_INLINE auto WidenHalvesU16(V16 v) {
+    const hn::DFromV<V16> d16;
+    const hn::RepartitionToWide<decltype(d16)> d32;
+    struct Halves {
+        hn::Vec<decltype(d32)> lo, hi;
+    };
+    return Halves{hn::ZipLower(d32, v, hn::Zero(d16)), hn::ZipUpper(d32, v, hn::Zero(d16))};
+}
+
+// acc + the squares of the unsigned 32-bit lanes of v, as 64-bit sums.
+template <class V32>
+HWY_INLINE auto AddSquaresU32(V32 v, hn::Vec<hn::RepartitionToWide<hn::DFromV<V32>>> acc) {
+    const hn::DFromV<V32> d32;
+    const hn::RepartitionToWide<decltype(d32)> d64;
+    const V32 odd = hn::BitCast(d32, hn::ShiftRight<32>(hn::BitCast(d64, v)));
+    return hn::Add(acc, hn::Add(hn::MulEven(v, v), hn::MulEven(odd, odd)));
+}
+
+}  // namespace zeb::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
 #endif  // ZEB_CORE_SIMD_INL_H_

@@ -1,20 +1,24 @@
 // Mean (masked) and mean with standard deviation (plain and masked) of one
 // channel: one- or three-channel images of 8u, 8s, 16u and 32f.
-#include <algorithm>
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "stats/mean_stddev_kernels.inl"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+#include "stats/mean_stddev_kernels.inl"
+
+#if HWY_ONCE
 #include <cmath>
 #include <type_traits>
 
 #include "core/dispatch.h"
-#include "core/row_driver.h"
+#include "core/simd_dispatch.h"
 #include "stats/stats_common.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
 using namespace zeb::stats;
-
-#define ZEB_KERNELS "stats/mean_stddev_kernels.inl"
-#include "core/isa_expand.h"
 
 // The image: first pixel, step, channel count and the channel's offset;
 // mask null for the unmasked forms.
@@ -39,14 +43,6 @@ struct Totals {
     double n, S, Q;
 };
 
-template <class T, bool kMask>
-void int_run(const T* p, const uint8_t* m, int n, IntMoments& r) {
-    if (use_avx2())
-        avx2::int_moments_run<T, kMask>(p, m, n, r);
-    else
-        ssse3::int_moments_run<T, kMask>(p, m, n, r);
-}
-
 // Integer sources: exact totals. Byte sums stay in 32 bits while the image
 // is too small for them to wrap; each row's sum of squares is a 64-bit
 // integer, the rows of masked byte images are added in double precision,
@@ -62,7 +58,9 @@ Totals int_totals(const Src<T>& s) {
         const uint8_t* m = mask_row(s, y);
         IntMoments r;
         for_channel<T>(row(s.p, s.step, y), nullptr, s.ch, s.c, s.roi.width,
-                       [&](const T* p, const T*, int x0, int len) { int_run<T, kMask>(p, m + (kMask ? x0 : 0), len, r); });
+                       [&](const T* p, const T*, int x0, int len) {
+                           ZEB_DISPATCH(moments::int_run<T, kMask>)(p, m + (kMask ? x0 : 0), len, &r);
+                       });
         n += r.n;
         if (narrow)
             s32 += int32_t(r.s);
@@ -75,18 +73,6 @@ Totals int_totals(const Src<T>& s) {
     }
     const double S = narrow ? double(s32) : double(s64);
     return {double(n), S, kMask && sizeof(T) == 1 ? qd : double(q)};
-}
-
-template <bool kMask>
-void float_run(const float* p, const uint8_t* m, int n, float* ls, float* lq) {
-    if (use_avx2())
-        avx2::float_moments_run<kMask>(p, m, n, ls, lq);
-    else
-        ssse3::float_moments_run<kMask>(p, m, n, ls, lq);
-}
-
-int64_t selected_in(const uint8_t* m, int n) {
-    return use_avx2() ? avx2::count_selected(m, n) : ssse3::count_selected(m, n);
 }
 
 // Float sources, sixteen-lane kernel: the single-precision lanes go into
@@ -105,10 +91,10 @@ Totals float_totals(const Src<float>& s, bool foldEachRow) {
     int64_t n = kMask ? 0 : int64_t(s.roi.width) * s.roi.height;
     for (int y = 0; y < s.roi.height; ++y) {
         const uint8_t* m = mask_row(s, y);
-        if (kMask) n += selected_in(m, s.roi.width);
+        if (kMask) n += ZEB_DISPATCH(moments::count_selected)(m, s.roi.width);
         for_channel<float>(row(s.p, s.step, y), nullptr, s.ch, s.c, s.roi.width,
                            [&](const float* p, const float*, int x0, int len) {
-                               float_run<kMask>(p, m + (kMask ? x0 : 0), len, ls, lq);
+                               ZEB_DISPATCH(moments::float_run<kMask>)(p, m + (kMask ? x0 : 0), len, ls, lq);
                            });
         if (foldEachRow) fold();
     }
@@ -124,11 +110,7 @@ double float_deviation(const Src<float>& s, double mean) {
         const uint8_t* m = mask_row(s, y);
         for_channel<float>(row(s.p, s.step, y), nullptr, s.ch, s.c, s.roi.width,
                            [&](const float* p, const float*, int x0, int len) {
-                               const uint8_t* mm = m + (kMask ? x0 : 0);
-                               if (use_avx2())
-                                   avx2::deviation_run<kMask>(p, mm, len, mean, ld);
-                               else
-                                   ssse3::deviation_run<kMask>(p, mm, len, mean, ld);
+                               ZEB_DISPATCH(moments::deviation_run<kMask>)(p, m + (kMask ? x0 : 0), len, mean, ld);
                            });
     }
     return lane_total(ld, kMomentLanes);
@@ -141,7 +123,7 @@ Totals float_c1_totals(const Src<float>& s) {
     const int32_t n = int32_t(uint32_t(s.roi.width) * uint32_t(s.roi.height));
     if (n <= 5000 || s.roi.width < 4) {
         double S, Q;
-        plain_moments(s.p, s.step, s.roi.width, s.roi.height, S, Q);
+        ZEB_DISPATCH(moments::plain_run)(s.p, s.step, s.roi.width, s.roi.height, &S, &Q);
         return {double(int64_t(s.roi.width) * s.roi.height), S, Q};
     }
     const bool aligned = n < 100000 && reinterpret_cast<uintptr_t>(s.p) % 4 == 0 && s.step % 16 == 0;
@@ -176,57 +158,128 @@ ZebStatus mean_stddev(const Src<T>& s, int coi, double* mean, double* sd, bool m
     return zebStsNoErr;
 }
 
+// The three shapes of the exports: masked mean, mean and deviation without
+// and with a mask. ch is 1 or 3; coi is ignored for one channel.
 template <class T>
-Src<T> plain(const T* p, int ss, ZebiSize roi, int ch) {
-    return {p, ss, nullptr, 0, roi, ch, 0};
+ZebStatus mean_m(const T* p, int ps, const Zeb8u* m, int ms, ZebiSize roi, int ch, int coi, Zeb64f* mean) {
+    return mean_stddev<T, true>({p, ps, m, ms, roi, ch, 0}, coi, mean, nullptr, true);
 }
 template <class T>
-Src<T> masked(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi, int ch) {
-    return {p, ss, m, ms, roi, ch, 0};
+ZebStatus sd_r(const T* p, int ps, ZebiSize roi, int ch, int coi, Zeb64f* mean, Zeb64f* sd) {
+    return mean_stddev<T, false>({p, ps, nullptr, 0, roi, ch, 0}, coi, mean, sd, false);
+}
+template <class T>
+ZebStatus sd_m(const T* p, int ps, const Zeb8u* m, int ms, ZebiSize roi, int ch, int coi, Zeb64f* mean, Zeb64f* sd) {
+    return mean_stddev<T, true>({p, ps, m, ms, roi, ch, 0}, coi, mean, sd, false);
 }
 
 }  // namespace
 
-#define ZEB_MEAN(T, c)                                                                                         \
-    ZebStatus zebiMean_##c##_C1MR(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi, Zeb64f* mean) {  \
-        return mean_stddev<T, true>(masked(p, ss, m, ms, roi, 1), 1, mean, nullptr, true);                   \
-    }                                                                                                          \
-    ZebStatus zebiMean_##c##_C3CMR(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi, int coi,        \
-                                   Zeb64f* mean) {                                                             \
-        return mean_stddev<T, true>(masked(p, ss, m, ms, roi, 3), coi, mean, nullptr, true);                 \
-    }                                                                                                          \
-    ZebStatus zebiMean_StdDev_##c##_C1R(const T* p, int ss, ZebiSize roi, Zeb64f* mean, Zeb64f* sd) {        \
-        return mean_stddev<T, false>(plain(p, ss, roi, 1), 1, mean, sd, false);                              \
-    }                                                                                                          \
-    ZebStatus zebiMean_StdDev_##c##_C1MR(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi,           \
-                                         Zeb64f* mean, Zeb64f* sd) {                                           \
-        return mean_stddev<T, true>(masked(p, ss, m, ms, roi, 1), 1, mean, sd, false);                       \
-    }                                                                                                          \
-    ZebStatus zebiMean_StdDev_##c##_C3CR(const T* p, int ss, ZebiSize roi, int coi, Zeb64f* mean,            \
-                                         Zeb64f* sd) {                                                         \
-        return mean_stddev<T, false>(plain(p, ss, roi, 3), coi, mean, sd, false);                            \
-    }                                                                                                          \
-    ZebStatus zebiMean_StdDev_##c##_C3CMR(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi, int coi, \
-                                          Zeb64f* mean, Zeb64f* sd) {                                          \
-        return mean_stddev<T, true>(masked(p, ss, m, ms, roi, 3), coi, mean, sd, false);                     \
-    }
+ZebStatus zebiMean_8u_C1MR(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 1, 1, mean);
+}
+ZebStatus zebiMean_8u_C3CMR(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 3, coi, mean);
+}
+ZebStatus zebiMean_StdDev_8u_C1R(const Zeb8u* p, int ps, ZebiSize r, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_8u_C1MR(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean,
+                                  Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_8u_C3CR(const Zeb8u* p, int ps, ZebiSize r, int coi, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_StdDev_8u_C3CMR(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* mean,
+                                   Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_8s_C1MR(const Zeb8s* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 1, 1, mean);
+}
+ZebStatus zebiMean_8s_C3CMR(const Zeb8s* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 3, coi, mean);
+}
+ZebStatus zebiMean_StdDev_8s_C1R(const Zeb8s* p, int ps, ZebiSize r, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_8s_C1MR(const Zeb8s* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean,
+                                  Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_8s_C3CR(const Zeb8s* p, int ps, ZebiSize r, int coi, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_StdDev_8s_C3CMR(const Zeb8s* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* mean,
+                                   Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_16u_C1MR(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 1, 1, mean);
+}
+ZebStatus zebiMean_16u_C3CMR(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 3, coi, mean);
+}
+ZebStatus zebiMean_StdDev_16u_C1R(const Zeb16u* p, int ps, ZebiSize r, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_16u_C1MR(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean,
+                                   Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_16u_C3CR(const Zeb16u* p, int ps, ZebiSize r, int coi, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_StdDev_16u_C3CMR(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi,
+                                    Zeb64f* mean, Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_32f_C1MR(const Zeb32f* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 1, 1, mean);
+}
+ZebStatus zebiMean_32f_C3CMR(const Zeb32f* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* mean) {
+    return mean_m(p, ps, m, ms, r, 3, coi, mean);
+}
+ZebStatus zebiMean_StdDev_32f_C1R(const Zeb32f* p, int ps, ZebiSize r, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_32f_C1MR(const Zeb32f* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* mean,
+                                   Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 1, 1, mean, sd);
+}
+ZebStatus zebiMean_StdDev_32f_C3CR(const Zeb32f* p, int ps, ZebiSize r, int coi, Zeb64f* mean, Zeb64f* sd) {
+    return sd_r(p, ps, r, 3, coi, mean, sd);
+}
+ZebStatus zebiMean_StdDev_32f_C3CMR(const Zeb32f* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi,
+                                    Zeb64f* mean, Zeb64f* sd) {
+    return sd_m(p, ps, m, ms, r, 3, coi, mean, sd);
+}
 
-ZEB_MEAN(Zeb8u, 8u)
-ZEB_MEAN(Zeb8s, 8s)
-ZEB_MEAN(Zeb16u, 16u)
-ZEB_MEAN(Zeb32f, 32f)
+}  // namespace zeb::impl
 
-}  // namespace zeb::ZEB_VNS
-
-#define ZEB_MEAN_EXPORTS(c)                  \
-    ZEB_EXPORT(zebiMean_##c##_C1MR);         \
-    ZEB_EXPORT(zebiMean_##c##_C3CMR);        \
-    ZEB_EXPORT(zebiMean_StdDev_##c##_C1R);   \
-    ZEB_EXPORT(zebiMean_StdDev_##c##_C1MR);  \
-    ZEB_EXPORT(zebiMean_StdDev_##c##_C3CR);  \
-    ZEB_EXPORT(zebiMean_StdDev_##c##_C3CMR)
-
-ZEB_MEAN_EXPORTS(8u);
-ZEB_MEAN_EXPORTS(8s);
-ZEB_MEAN_EXPORTS(16u);
-ZEB_MEAN_EXPORTS(32f);
+ZEB_EXPORT(zebiMean_8u_C1MR);
+ZEB_EXPORT(zebiMean_8u_C3CMR);
+ZEB_EXPORT(zebiMean_StdDev_8u_C1R);
+ZEB_EXPORT(zebiMean_StdDev_8u_C1MR);
+ZEB_EXPORT(zebiMean_StdDev_8u_C3CR);
+ZEB_EXPORT(zebiMean_StdDev_8u_C3CMR);
+ZEB_EXPORT(zebiMean_8s_C1MR);
+ZEB_EXPORT(zebiMean_8s_C3CMR);
+ZEB_EXPORT(zebiMean_StdDev_8s_C1R);
+ZEB_EXPORT(zebiMean_StdDev_8s_C1MR);
+ZEB_EXPORT(zebiMean_StdDev_8s_C3CR);
+ZEB_EXPORT(zebiMean_StdDev_8s_C3CMR);
+ZEB_EXPORT(zebiMean_16u_C1MR);
+ZEB_EXPORT(zebiMean_16u_C3CMR);
+ZEB_EXPORT(zebiMean_StdDev_16u_C1R);
+ZEB_EXPORT(zebiMean_StdDev_16u_C1MR);
+ZEB_EXPORT(zebiMean_StdDev_16u_C3CR);
+ZEB_EXPORT(zebiMean_StdDev_16u_C3CMR);
+ZEB_EXPORT(zebiMean_32f_C1MR);
+ZEB_EXPORT(zebiMean_32f_C3CMR);
+ZEB_EXPORT(zebiMean_StdDev_32f_C1R);
+ZEB_EXPORT(zebiMean_StdDev_32f_C1MR);
+ZEB_EXPORT(zebiMean_StdDev_32f_C3CR);
+ZEB_EXPORT(zebiMean_StdDev_32f_C3CMR);
+#endif  // HWY_ONCE

@@ -1,156 +1,221 @@
 // Moment kernels (count, sum, sum of squares of the selected values),
-// compiled once per instruction-set path (see core/isa_expand.h). Integer
-// sums are exact in any order; the float kernels keep the lane layout of
-// stats_ref.h, so both paths give the same bits.
+// compiled once per vector target (Highway's foreach_target re-includes
+// this file). Integer sums are exact, so their lane layout is free. The
+// float kernels keep the fixed lane sets of stats_ref.h, which do not
+// depend on the vector width: every target, and the scalar definition,
+// performs the same additions in the same order.
+#if defined(ZEB_STATS_MEAN_STDDEV_KERNELS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_STATS_MEAN_STDDEV_KERNELS_
+#undef ZEB_STATS_MEAN_STDDEV_KERNELS_
+#else
+#define ZEB_STATS_MEAN_STDDEV_KERNELS_
+#endif
 
-#include "stats/vec_ops.inl"
+#include <algorithm>
+#include <type_traits>
 
-// Pixels per block before the 32-bit lane sums are widened; small enough
-// that no lane can wrap for any source type.
+#include "core/frame.h"
+#include "core/simd-inl.h"
+#include "stats/stats_ref.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE::moments {
+
+namespace st = zeb::stats;
+
+// Pixels per block before the 32-bit lane sums are widened: small enough
+// that no lane can wrap for any source type on any target.
 inline constexpr int kBlock = 4096;
 
+// Adds the count, sum and sum of squares of the selected values of a run
+// of n pixels to r.
 template <class T, bool kMask>
-void int_moments_run(const T* p, const uint8_t* m, int n, IntMoments& r) {
-    constexpr int kE = kVecBytes / int(sizeof(T));
+void int_run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, st::IntMoments* r) {
+    const Vd<T> d;
+    const hn::Repartition<uint64_t, decltype(d)> d64;
+    const hn::Repartition<uint32_t, decltype(d)> d32;
+    constexpr int kE = int(hn::MaxLanes(Vd<T>()));
     int x = 0;
     while (x + kE <= n) {
         const int end = std::min(n, x + kBlock);
         const int x0 = x;
-        V s = vzero(), q = vzero(), c = vzero();
-        for (; x + kE <= end; x += kE) {
-            V v = vld(p + x);
-            if constexpr (sizeof(T) == 1) {
-                const V sel = kMask ? vsel8(m + x) : vzero();
-                if constexpr (std::is_same_v<T, uint8_t>) {
-                    if (kMask) v = vand(v, sel);
-                    s = vadd64(s, vsad(v));
-                } else {
-                    // x + 128 as an unsigned byte sums with sad; the bias
-                    // comes off with the count below.
-                    V u = vxor(v, vset8(0x80));
-                    if (kMask) u = vand(u, sel), v = vand(v, sel);
-                    s = vadd64(s, vsad(u));
+        int64_t cnt = 0;
+        if constexpr (sizeof(T) == 1) {
+            const hn::Repartition<uint8_t, decltype(d)> du;
+            const hn::Repartition<int32_t, decltype(d)> di32;
+            auto s = hn::Zero(d64), c = hn::Zero(d64);
+            auto q = hn::Zero(di32);
+            for (; x + kE <= end; x += kE) {
+                auto v = hn::BitCast(du, hn::LoadU(d, p + x));
+                // Signed bytes sum as x + 128 (an unsigned byte for the
+                // byte-sum instruction); the bias comes off with the count.
+                auto u = std::is_signed_v<T> ? hn::Xor(v, hn::Set(du, 0x80)) : v;
+                if constexpr (kMask) {
+                    const auto sel = hn::VecFromMask(du, SelectedLanes(du, m + x));
+                    v = hn::And(v, sel);
+                    u = hn::And(u, sel);
+                    c = hn::Add(c, hn::SumsOf8(hn::And(sel, hn::Set(du, 1))));
                 }
-                q = vadd32(q, vsq8<std::is_same_v<T, int8_t>>(v));
-                if (kMask) c = vadd64(c, vsad(vand(sel, vset8(1))));
-            } else {
-                if (kMask) {
-                    const V sel = vsel16(m + x);
-                    v = vand(v, sel);
-                    c = vsub16(c, sel);
+                s = hn::Add(s, hn::SumsOf8(u));
+                q = AddSquaresOf8<std::is_signed_v<T>>(di32, v, q);
+            }
+            cnt = kMask ? int64_t(WideLaneSum(d64, c)) : x - x0;
+            r->s += int64_t(WideLaneSum(d64, s)) - (std::is_signed_v<T> ? 128 * cnt : 0);
+            r->q += WideLaneSum(d32, hn::BitCast(d32, q));
+        } else {
+            const hn::Repartition<int16_t, decltype(d)> di16;
+            auto s = hn::Zero(d32);
+            auto q = hn::Zero(d64);
+            auto c = hn::Zero(di16);
+            for (; x + kE <= end; x += kE) {
+                auto v = hn::LoadU(d, p + x);
+                if constexpr (kMask) {
+                    const auto sel = hn::VecFromMask(d, SelectedLanes(d, m + x));
+                    v = hn::And(v, sel);
+                    c = hn::Sub(c, hn::BitCast(di16, sel));  // selected lanes are -1
                 }
-                const V lo = vlo16(v, vzero()), hi = vhi16(v, vzero());
-                s = vadd32(s, vadd32(lo, hi));
-                q = vadd64(q, vadd64(vsq32to64(lo), vsq32to64(hi)));
+                const auto w = WidenHalvesU16(v);
+                s = hn::Add(s, hn::Add(w.lo, w.hi));
+                q = AddSquaresU32(w.hi, AddSquaresU32(w.lo, q));
+            }
+            cnt = x - x0;
+            if constexpr (kMask) {
+                const auto wc = WidenHalvesU16(hn::BitCast(d, c));
+                cnt = int64_t(WideLaneSum(d32, hn::Add(wc.lo, wc.hi)));
+            }
+            r->s += int64_t(WideLaneSum(d32, s));
+            r->q += WideLaneSum(d64, q);
+        }
+        r->n += cnt;
+    }
+    st::int_moments(p + x, kMask ? m + x : nullptr, n - x, *r);
+}
+
+// Number of selected pixels among n mask bytes.
+inline int64_t count_selected(const uint8_t* HWY_RESTRICT m, int n) {
+    const Vd<uint8_t> d;
+    const hn::Repartition<uint64_t, decltype(d)> d64;
+    constexpr int kE = int(hn::MaxLanes(Vd<uint8_t>()));
+    auto c = hn::Zero(d64);
+    int x = 0;
+    for (; x + kE <= n; x += kE)
+        c = hn::Add(c, hn::SumsOf8(hn::And(hn::VecFromMask(d, SelectedLanes(d, m + x)), hn::Set(d, 1))));
+    int64_t total = int64_t(WideLaneSum(d64, c));
+    for (; x < n; ++x) total += m[x] != 0;
+    return total;
+}
+
+// Adds a run of columns, starting at a multiple of kMomentLanes, to the
+// sixteen single-precision sum and square lanes ls, lq: lane j takes the
+// columns x with x % 16 == j, in column order. A target holds the sixteen
+// lanes in 16 / Lanes vectors; unselected pixels add +0.
+template <bool kMask>
+void float_run(const float* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, float* HWY_RESTRICT ls,
+               float* HWY_RESTRICT lq) {
+    const Vd<float> df;
+    constexpr int kL = int(hn::MaxLanes(Vd<float>()));
+    constexpr int kR = st::kMomentLanes / kL;
+    static_assert(kR * kL == st::kMomentLanes);
+    hn::Vec<Vd<float>> s[kR], q[kR];
+    for (int k = 0; k < kR; ++k) {
+        s[k] = hn::LoadU(df, ls + k * kL);
+        q[k] = hn::LoadU(df, lq + k * kL);
+    }
+    int x = 0;
+    for (; x + st::kMomentLanes <= n; x += st::kMomentLanes) {
+        HWY_UNROLL(8)
+        for (int k = 0; k < kR; ++k) {
+            auto v = hn::LoadU(df, p + x + k * kL);
+            if constexpr (kMask) v = hn::IfThenElseZero(SelectedLanes(df, m + x + k * kL), v);
+            s[k] = hn::Add(s[k], v);
+            q[k] = hn::Add(q[k], hn::Mul(v, v));
+        }
+    }
+    for (int k = 0; k < kR; ++k) {
+        hn::StoreU(s[k], df, ls + k * kL);
+        hn::StoreU(q[k], df, lq + k * kL);
+    }
+    st::float_moments(p + x, kMask ? m + x : nullptr, n - x, ls, lq);
+}
+
+// The small-image kernel of the unmasked one-channel form: four lanes, two
+// rows at a time (first row first), remainder columns into lane 0; the
+// sums S and Q as stats_ref.h's plain_moments gives them.
+inline void plain_run(const float* src, int step, int w, int h, double* S, double* Q) {
+    const hn::CappedTag<float, 4> d4;
+    HWY_ALIGN float ls[4] = {0, 0, 0, 0}, lq[4] = {0, 0, 0, 0};
+    auto s = hn::Zero(d4), q = hn::Zero(d4);
+    const int body = w - w % 4;
+    for (int y = 0; y < h; y += 2) {
+        const float* a = row(src, step, y);
+        const float* b = y + 1 < h ? row(src, step, y + 1) : nullptr;
+        for (int x = 0; x < body; x += 4) {
+            const auto va = hn::LoadU(d4, a + x);
+            s = hn::Add(s, va);
+            q = hn::Add(q, hn::Mul(va, va));
+            if (b) {
+                const auto vb = hn::LoadU(d4, b + x);
+                s = hn::Add(s, vb);
+                q = hn::Add(q, hn::Mul(vb, vb));
             }
         }
-        int64_t cnt = x - x0;
-        if constexpr (kMask) cnt = sizeof(T) == 1 ? int64_t(hsum64(c)) : int64_t(hsum32(vmadd(c, vset16(1))));
-        r.n += cnt;
-        if constexpr (std::is_same_v<T, uint8_t>) {
-            r.s += int64_t(hsum64(s));
-            r.q += hsum32(q);
-        } else if constexpr (std::is_same_v<T, int8_t>) {
-            r.s += int64_t(hsum64(s)) - 128 * cnt;
-            r.q += hsum32(q);
-        } else {
-            r.s += int64_t(hsum32(s));
-            r.q += hsum64(q);
+        if (body == w) continue;
+        hn::Store(s, d4, ls);
+        hn::Store(q, d4, lq);
+        for (int x = body; x < w; ++x) {
+            const float va = load_u<float>(a + x);
+            ls[0] += va;
+            lq[0] += va * va;
+            if (b) {
+                const float vb = load_u<float>(b + x);
+                ls[0] += vb;
+                lq[0] += vb * vb;
+            }
         }
+        s = hn::Load(d4, ls);
+        q = hn::Load(d4, lq);
     }
-    int_moments(p + x, kMask ? m + x : nullptr, n - x, r);
+    hn::Store(s, d4, ls);
+    hn::Store(q, d4, lq);
+    *S = double(ls[0]) + double(ls[1]) + double(ls[2]) + double(ls[3]);
+    *Q = double(lq[0]) + double(lq[1]) + double(lq[2]) + double(lq[3]);
 }
 
-// ---- single precision ----
-
-typedef float vf __attribute__((vector_size(ZEB_VEC_BYTES)));
-typedef int32_t vi32 __attribute__((vector_size(ZEB_VEC_BYTES)));
-typedef double vd __attribute__((vector_size(ZEB_VEC_BYTES)));
-typedef int64_t vi64 __attribute__((vector_size(ZEB_VEC_BYTES)));
-
-inline constexpr int kFL = kVecBytes / 4;           // floats per vector
-inline constexpr int kFR = kMomentLanes / kFL;      // vectors per lane set
-inline constexpr int kDL = kVecBytes / 8;           // doubles per vector
-inline constexpr int kDR = kMomentLanes / kDL;
-
-// All ones in the 32-bit lanes of selected pixels (kFL mask bytes).
-inline vi32 fsel(const uint8_t* m) {
-#if ZEB_VEC_BYTES == 32
-    const __m128i b = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(m));
-    const __m128i s = _mm_xor_si128(_mm_cmpeq_epi8(b, _mm_setzero_si128()), _mm_set1_epi8(-1));
-    return vi32(_mm256_cvtepi8_epi32(s));
-#else
-    const __m128i b = _mm_cvtsi32_si128(load_u<int32_t>(m));
-    __m128i s = _mm_xor_si128(_mm_cmpeq_epi8(b, _mm_setzero_si128()), _mm_set1_epi8(-1));
-    s = _mm_unpacklo_epi8(s, s);
-    return vi32(_mm_unpacklo_epi16(s, s));
-#endif
-}
-
-// All ones in the 64-bit lanes of selected pixels (kDL mask bytes).
-inline vi64 dsel(const uint8_t* m) {
-#if ZEB_VEC_BYTES == 32
-    const __m128i b = _mm_cvtsi32_si128(load_u<int32_t>(m));
-    const __m128i s = _mm_xor_si128(_mm_cmpeq_epi8(b, _mm_setzero_si128()), _mm_set1_epi8(-1));
-    return vi64(_mm256_cvtepi8_epi64(s));
-#else
-    const __m128i b = _mm_cvtsi32_si128(load_u<uint16_t>(m));
-    __m128i s = _mm_xor_si128(_mm_cmpeq_epi8(b, _mm_setzero_si128()), _mm_set1_epi8(-1));
-    s = _mm_unpacklo_epi8(s, s);
-    s = _mm_unpacklo_epi16(s, s);
-    return vi64(_mm_unpacklo_epi32(s, s));
-#endif
-}
-
-// kDL floats widened to double.
-inline vd load_pd(const float* p) {
-#if ZEB_VEC_BYTES == 32
-    return vd(_mm256_cvtps_pd(_mm_loadu_ps(p)));
-#else
-    return vd(_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))));
-#endif
-}
-
-// Adds a run of columns (starting at a multiple of kMomentLanes) to the
-// sixteen sum and square lanes ls, lq.
+// Adds (x - mean)^2 of a run of columns, starting at a multiple of
+// kMomentLanes, to the sixteen double lanes ld (lane x % 16 takes column
+// x); unselected pixels add +0.
 template <bool kMask>
-void float_moments_run(const float* p, const uint8_t* m, int n, float* ls, float* lq) {
-    // Loaded and stored one vector at a time, so that the compiler keeps
-    // the lanes in registers.
-    vf s[kFR], q[kFR];
-    for (int k = 0; k < kFR; ++k) {
-        std::memcpy(&s[k], ls + k * kFL, sizeof(vf));
-        std::memcpy(&q[k], lq + k * kFL, sizeof(vf));
-    }
+void deviation_run(const float* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, double mean,
+                   double* HWY_RESTRICT ld) {
+    const Vd<double> dd;
+    const hn::Rebind<float, decltype(dd)> dh;
+    const hn::Rebind<int32_t, decltype(dd)> di32;
+    const hn::Rebind<int64_t, decltype(dd)> di64;
+    constexpr int kL = int(hn::MaxLanes(Vd<double>()));
+    constexpr int kR = st::kMomentLanes / kL;
+    static_assert(kR * kL == st::kMomentLanes);
+    hn::Vec<Vd<double>> acc[kR];
+    for (int k = 0; k < kR; ++k) acc[k] = hn::LoadU(dd, ld + k * kL);
+    const auto mv = hn::Set(dd, mean);
     int x = 0;
-    for (; x + kMomentLanes <= n; x += kMomentLanes)
-        for (int k = 0; k < kFR; ++k) {
-            vf v;
-            std::memcpy(&v, p + x + k * kFL, sizeof v);
-            if constexpr (kMask) v = vf(vi32(v) & fsel(m + x + k * kFL));
-            s[k] += v;
-            q[k] += v * v;
+    for (; x + st::kMomentLanes <= n; x += st::kMomentLanes) {
+        HWY_UNROLL(8)
+        for (int k = 0; k < kR; ++k) {
+            const int o = x + k * kL;
+            auto v = hn::Sub(hn::PromoteTo(dd, hn::LoadU(dh, p + o)), mv);
+            if constexpr (kMask) {
+                // All-ones 32-bit selections sign-extend to all-ones 64-bit ones.
+                const auto sel32 = hn::VecFromMask(di32, SelectedLanes(di32, m + o));
+                v = hn::And(hn::BitCast(dd, hn::PromoteTo(di64, sel32)), v);
+            }
+            acc[k] = hn::Add(acc[k], hn::Mul(v, v));
         }
-    for (int k = 0; k < kFR; ++k) {
-        std::memcpy(ls + k * kFL, &s[k], sizeof(vf));
-        std::memcpy(lq + k * kFL, &q[k], sizeof(vf));
     }
-    float_moments(p + x, kMask ? m + x : nullptr, n - x, ls, lq);
+    for (int k = 0; k < kR; ++k) hn::StoreU(acc[k], dd, ld + k * kL);
+    st::deviation(p + x, kMask ? m + x : nullptr, n - x, mean, ld);
 }
 
-// Adds (x - mean)^2 of a run of columns to the sixteen double lanes ld.
-template <bool kMask>
-void deviation_run(const float* p, const uint8_t* m, int n, double mean, double* ld) {
-    vd acc[kDR];
-    for (int k = 0; k < kDR; ++k) std::memcpy(&acc[k], ld + k * kDL, sizeof(vd));
-    const vd mv = vd{} + mean;
-    int x = 0;
-    for (; x + kMomentLanes <= n; x += kMomentLanes)
-        for (int k = 0; k < kDR; ++k) {
-            vd d = load_pd(p + x + k * kDL) - mv;
-            if constexpr (kMask) d = vd(vi64(d) & dsel(m + x + k * kDL));
-            acc[k] += d * d;
-        }
-    for (int k = 0; k < kDR; ++k) std::memcpy(ld + k * kDL, &acc[k], sizeof(vd));
-    deviation(p + x, kMask ? m + x : nullptr, n - x, mean, ld);
-}
+}  // namespace zeb::HWY_NAMESPACE::moments
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_STATS_MEAN_STDDEV_KERNELS_

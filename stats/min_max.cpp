@@ -1,27 +1,22 @@
 // Minimum and maximum with the positions of their first occurrence, of one
 // channel: one- or three-channel images of 8u, 8s, 16u and 32f, with or
 // without a mask.
-#include <type_traits>
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "stats/min_max_kernels.inl"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
 
+#include "stats/min_max_kernels.inl"
+
+#if HWY_ONCE
 #include "core/dispatch.h"
-#include "core/row_driver.h"
+#include "core/simd_dispatch.h"
 #include "stats/stats_common.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
 using namespace zeb::stats;
-
-#define ZEB_KERNELS "stats/min_max_kernels.inl"
-#include "core/isa_expand.h"
-
-template <class T, bool kMask>
-void run(const T* p, const uint8_t* m, int n, Extrema<T>& e) {
-    if (use_avx2())
-        avx2::extrema_run<T, kMask>(p, m, n, e);
-    else
-        ssse3::extrema_run<T, kMask>(p, m, n, e);
-}
 
 // The leftmost selected pixel of a row whose key equals k (it exists: the
 // row's extremum came from it).
@@ -49,8 +44,9 @@ ZebStatus min_max(const T* src, int ss, const uint8_t* mask, int ms, ZebiSize ro
     for (int y = 0; y < roi.height; ++y) {
         const uint8_t* m = kMask ? row(mask, ms, y) : nullptr;
         Extrema<T> e;
-        for_channel<T>(row(src, ss, y), nullptr, ch, c, roi.width,
-                       [&](const T* p, const T*, int x0, int len) { run<T, kMask>(p, m + (kMask ? x0 : 0), len, e); });
+        for_channel<T>(row(src, ss, y), nullptr, ch, c, roi.width, [&](const T* p, const T*, int x0, int len) {
+            ZEB_DISPATCH(extrema::run<T, kMask>)(p, m + (kMask ? x0 : 0), len, &e);
+        });
         if (!e.any || !(e.mn <= e.mx)) continue;  // nothing selected (or only NaN)
         if (!found) {
             gmn = e.mn, gmx = e.mx, ymn = ymx = y, found = true;
@@ -79,38 +75,87 @@ ZebStatus min_max(const T* src, int ss, const uint8_t* mask, int ms, ZebiSize ro
 
 }  // namespace
 
-#define ZEB_MINMAX(T, c)                                                                                          \
-    ZebStatus zebiMinMaxIndx_##c##_C1R(const T* p, int ss, ZebiSize roi, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,  \
-                                       ZebiPoint* imx) {                                                          \
-        return min_max<T, false>(p, ss, nullptr, 0, roi, 1, 1, mn, mx, imn, imx);                                 \
-    }                                                                                                             \
-    ZebStatus zebiMinMaxIndx_##c##_C1MR(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi, Zeb32f* mn,    \
-                                        Zeb32f* mx, ZebiPoint* imn, ZebiPoint* imx) {                             \
-        return min_max<T, true>(p, ss, m, ms, roi, 1, 1, mn, mx, imn, imx);                                       \
-    }                                                                                                             \
-    ZebStatus zebiMinMaxIndx_##c##_C3CR(const T* p, int ss, ZebiSize roi, int coi, Zeb32f* mn, Zeb32f* mx,       \
-                                        ZebiPoint* imn, ZebiPoint* imx) {                                         \
-        return min_max<T, false>(p, ss, nullptr, 0, roi, 3, coi, mn, mx, imn, imx);                               \
-    }                                                                                                             \
-    ZebStatus zebiMinMaxIndx_##c##_C3CMR(const T* p, int ss, const Zeb8u* m, int ms, ZebiSize roi, int coi,      \
-                                         Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn, ZebiPoint* imx) {                \
-        return min_max<T, true>(p, ss, m, ms, roi, 3, coi, mn, mx, imn, imx);                                     \
-    }
+ZebStatus zebiMinMaxIndx_8u_C1R(const Zeb8u* p, int ps, ZebiSize r, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,
+                                ZebiPoint* imx) {
+    return min_max<Zeb8u, false>(p, ps, nullptr, 0, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8u_C1MR(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb32f* mn, Zeb32f* mx,
+                                 ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb8u, true>(p, ps, m, ms, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8u_C3CR(const Zeb8u* p, int ps, ZebiSize r, int coi, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,
+                                 ZebiPoint* imx) {
+    return min_max<Zeb8u, false>(p, ps, nullptr, 0, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8u_C3CMR(const Zeb8u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb32f* mn,
+                                  Zeb32f* mx, ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb8u, true>(p, ps, m, ms, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8s_C1R(const Zeb8s* p, int ps, ZebiSize r, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,
+                                ZebiPoint* imx) {
+    return min_max<Zeb8s, false>(p, ps, nullptr, 0, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8s_C1MR(const Zeb8s* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb32f* mn, Zeb32f* mx,
+                                 ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb8s, true>(p, ps, m, ms, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8s_C3CR(const Zeb8s* p, int ps, ZebiSize r, int coi, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,
+                                 ZebiPoint* imx) {
+    return min_max<Zeb8s, false>(p, ps, nullptr, 0, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_8s_C3CMR(const Zeb8s* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb32f* mn,
+                                  Zeb32f* mx, ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb8s, true>(p, ps, m, ms, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_16u_C1R(const Zeb16u* p, int ps, ZebiSize r, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,
+                                 ZebiPoint* imx) {
+    return min_max<Zeb16u, false>(p, ps, nullptr, 0, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_16u_C1MR(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb32f* mn, Zeb32f* mx,
+                                  ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb16u, true>(p, ps, m, ms, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_16u_C3CR(const Zeb16u* p, int ps, ZebiSize r, int coi, Zeb32f* mn, Zeb32f* mx,
+                                  ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb16u, false>(p, ps, nullptr, 0, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_16u_C3CMR(const Zeb16u* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb32f* mn,
+                                   Zeb32f* mx, ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb16u, true>(p, ps, m, ms, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_32f_C1R(const Zeb32f* p, int ps, ZebiSize r, Zeb32f* mn, Zeb32f* mx, ZebiPoint* imn,
+                                 ZebiPoint* imx) {
+    return min_max<Zeb32f, false>(p, ps, nullptr, 0, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_32f_C1MR(const Zeb32f* p, int ps, const Zeb8u* m, int ms, ZebiSize r, Zeb32f* mn, Zeb32f* mx,
+                                  ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb32f, true>(p, ps, m, ms, r, 1, 1, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_32f_C3CR(const Zeb32f* p, int ps, ZebiSize r, int coi, Zeb32f* mn, Zeb32f* mx,
+                                  ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb32f, false>(p, ps, nullptr, 0, r, 3, coi, mn, mx, imn, imx);
+}
+ZebStatus zebiMinMaxIndx_32f_C3CMR(const Zeb32f* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb32f* mn,
+                                   Zeb32f* mx, ZebiPoint* imn, ZebiPoint* imx) {
+    return min_max<Zeb32f, true>(p, ps, m, ms, r, 3, coi, mn, mx, imn, imx);
+}
 
-ZEB_MINMAX(Zeb8u, 8u)
-ZEB_MINMAX(Zeb8s, 8s)
-ZEB_MINMAX(Zeb16u, 16u)
-ZEB_MINMAX(Zeb32f, 32f)
+}  // namespace zeb::impl
 
-}  // namespace zeb::ZEB_VNS
-
-#define ZEB_MINMAX_EXPORTS(c)                \
-    ZEB_EXPORT(zebiMinMaxIndx_##c##_C1R);    \
-    ZEB_EXPORT(zebiMinMaxIndx_##c##_C1MR);   \
-    ZEB_EXPORT(zebiMinMaxIndx_##c##_C3CR);   \
-    ZEB_EXPORT(zebiMinMaxIndx_##c##_C3CMR)
-
-ZEB_MINMAX_EXPORTS(8u);
-ZEB_MINMAX_EXPORTS(8s);
-ZEB_MINMAX_EXPORTS(16u);
-ZEB_MINMAX_EXPORTS(32f);
+ZEB_EXPORT(zebiMinMaxIndx_8u_C1R);
+ZEB_EXPORT(zebiMinMaxIndx_8u_C1MR);
+ZEB_EXPORT(zebiMinMaxIndx_8u_C3CR);
+ZEB_EXPORT(zebiMinMaxIndx_8u_C3CMR);
+ZEB_EXPORT(zebiMinMaxIndx_8s_C1R);
+ZEB_EXPORT(zebiMinMaxIndx_8s_C1MR);
+ZEB_EXPORT(zebiMinMaxIndx_8s_C3CR);
+ZEB_EXPORT(zebiMinMaxIndx_8s_C3CMR);
+ZEB_EXPORT(zebiMinMaxIndx_16u_C1R);
+ZEB_EXPORT(zebiMinMaxIndx_16u_C1MR);
+ZEB_EXPORT(zebiMinMaxIndx_16u_C3CR);
+ZEB_EXPORT(zebiMinMaxIndx_16u_C3CMR);
+ZEB_EXPORT(zebiMinMaxIndx_32f_C1R);
+ZEB_EXPORT(zebiMinMaxIndx_32f_C1MR);
+ZEB_EXPORT(zebiMinMaxIndx_32f_C3CR);
+ZEB_EXPORT(zebiMinMaxIndx_32f_C3CMR);
+#endif  // HWY_ONCE

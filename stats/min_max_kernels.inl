@@ -1,102 +1,92 @@
-// Extremum kernels, compiled once per instruction-set path (see
-// core/isa_expand.h). Values are compared as order-preserving keys
-// (stats_ref.h); unselected lanes take the neutral key of each side. For
-// floats the new value is the first operand of the vector minimum and
-// maximum, which return the second operand when either is NaN, so NaN
-// pixels are skipped as in the scalar definition.
+// Extremum kernels, compiled once per vector target (Highway's
+// foreach_target re-includes this file). Values are compared as
+// order-preserving keys (stats_ref.h); unselected lanes take the neutral
+// key of each side, so they never win. Minima and maxima are exact in any
+// lane order.
+#if defined(ZEB_STATS_MIN_MAX_KERNELS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_STATS_MIN_MAX_KERNELS_
+#undef ZEB_STATS_MIN_MAX_KERNELS_
+#else
+#define ZEB_STATS_MIN_MAX_KERNELS_
+#endif
 
-#include "stats/vec_ops.inl"
+#include <type_traits>
 
-// Folds the lanes of the running minimum and maximum into mn and mx. The
-// vectors come by value, so the loop keeps them in registers.
-template <class K, class W>
-inline void reduce_keys(W vmn, W vmx, K& mn, K& mx) {
-    K a[kVecBytes / sizeof(K)], b[kVecBytes / sizeof(K)];
-    std::memcpy(a, &vmn, sizeof a);
-    std::memcpy(b, &vmx, sizeof b);
-    for (std::size_t i = 0; i < sizeof a / sizeof(K); ++i) {
+#include "core/frame.h"
+#include "core/simd-inl.h"
+#include "stats/stats_ref.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE::extrema {
+
+namespace st = zeb::stats;
+
+// Folds the lanes of a running minimum and maximum into e.
+template <class D, class K>
+HWY_INLINE void fold_keys(D d, hn::Vec<D> vmn, hn::Vec<D> vmx, K& mn, K& mx) {
+    HWY_ALIGN K a[hn::MaxLanes(D())], b[hn::MaxLanes(D())];
+    hn::Store(vmn, d, a);
+    hn::Store(vmx, d, b);
+    for (size_t i = 0; i < hn::Lanes(d); ++i) {
         mn = a[i] < mn ? a[i] : mn;
         mx = b[i] > mx ? b[i] : mx;
     }
 }
 
-#if ZEB_VEC_BYTES == 32
-typedef __m256 VF;
-inline VF fld(const float* p) { return _mm256_loadu_ps(p); }
-inline VF fset(float v) { return _mm256_set1_ps(v); }
-inline VF fmin(VF a, VF b) { return _mm256_min_ps(a, b); }
-inline VF fmax(VF a, VF b) { return _mm256_max_ps(a, b); }
-inline VF fpick(VF sel, VF a, VF b) { return _mm256_blendv_ps(b, a, sel); }
-inline VF fcast(V v) { return _mm256_castsi256_ps(v); }
-#else
-typedef __m128 VF;
-inline VF fld(const float* p) { return _mm_loadu_ps(p); }
-inline VF fset(float v) { return _mm_set1_ps(v); }
-inline VF fmin(VF a, VF b) { return _mm_min_ps(a, b); }
-inline VF fmax(VF a, VF b) { return _mm_max_ps(a, b); }
-inline VF fpick(VF sel, VF a, VF b) { return _mm_or_ps(_mm_and_ps(sel, a), _mm_andnot_ps(sel, b)); }
-inline VF fcast(V v) { return _mm_castsi128_ps(v); }
-#endif
-
-// Updates e with the selected pixels of a run.
+// Updates e with the selected pixels of a run of n pixels.
+//
+// Keys per type: bytes compare as unsigned bytes (signed ones with the
+// sign bit flipped), 16-bit values as signed 16-bit lanes with the sign
+// bit flipped, floats as they are. For floats the pixel is the first
+// operand of Min/Max: the x86 minimum and maximum return the second
+// operand when either is NaN, so NaN pixels are skipped as in the scalar
+// definition.
 template <class T, bool kMask>
-void extrema_run(const T* p, const uint8_t* m, int n, Extrema<T>& e) {
-    constexpr int kE = kVecBytes / int(sizeof(T));
+void run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, st::Extrema<T>* e) {
+    using K = typename st::Key<T>::K;
+    const Vd<K> dk;
+    const Vd<T> dt;
+    constexpr int kE = int(hn::MaxLanes(Vd<T>()));
+    static_assert(sizeof(K) == sizeof(T));
     int x = 0;
     if (n >= kE) {
-        if constexpr (std::is_same_v<T, float>) {
-            VF mn = fset(e.mn), mx = fset(e.mx);
-            V any = vzero();
-            const VF hi = fset(Key<T>::hi), lo = fset(Key<T>::lo);
-            for (; x + kE <= n; x += kE) {
-                const VF v = fld(p + x);
-                if constexpr (kMask) {
-                    const V sel = vsel32(m + x);
-                    any = vor(any, sel);
-                    mn = fmin(fpick(fcast(sel), v, hi), mn);
-                    mx = fmax(fpick(fcast(sel), v, lo), mx);
-                } else {
-                    mn = fmin(v, mn);
-                    mx = fmax(v, mx);
-                }
+        auto mn = hn::Set(dk, e->mn), mx = hn::Set(dk, e->mx);
+        const auto hi = hn::Set(dk, st::Key<T>::hi), lo = hn::Set(dk, st::Key<T>::lo);
+        auto any = hn::MaskFromVec(hn::Zero(dk));
+        for (; x + kE <= n; x += kE) {
+            hn::Vec<Vd<K>> k;
+            if constexpr (std::is_same_v<T, float>)
+                k = hn::LoadU(dt, p + x);
+            else if constexpr (std::is_same_v<T, uint8_t>)
+                k = hn::LoadU(dt, p + x);
+            else if constexpr (std::is_same_v<T, int8_t>)
+                k = hn::Xor(hn::BitCast(dk, hn::LoadU(dt, p + x)), hn::Set(dk, K(0x80)));
+            else
+                k = hn::Xor(hn::BitCast(dk, hn::LoadU(dt, p + x)), hn::Set(dk, K(-32768)));
+            if constexpr (kMask && sizeof(K) == 1) {
+                // Byte keys span 0..255: an unselected lane becomes 255 for
+                // the minimum and 0 for the maximum with one OR and one AND.
+                const auto unsel = hn::VecFromMask(dk, hn::Eq(hn::LoadU(dk, m + x), hn::Zero(dk)));
+                any = hn::Or(any, hn::Not(hn::MaskFromVec(unsel)));
+                mn = hn::Min(hn::Or(k, unsel), mn);
+                mx = hn::Max(hn::AndNot(unsel, k), mx);
+            } else if constexpr (kMask) {
+                const auto sel = SelectedLanes(dk, m + x);
+                any = hn::Or(any, sel);
+                mn = hn::Min(hn::IfThenElse(sel, k, hi), mn);
+                mx = hn::Max(hn::IfThenElse(sel, k, lo), mx);
+            } else {
+                mn = hn::Min(k, mn);
+                mx = hn::Max(k, mx);
             }
-            reduce_keys<float>(mn, mx, e.mn, e.mx);
-            e.any = e.any || !kMask || hsum64(any) != 0;
-        } else if constexpr (sizeof(T) == 1) {
-            V mn = vset8(e.mn), mx = vset8(e.mx), any = vzero();
-            const V flip = vset8(std::is_same_v<T, int8_t> ? 0x80 : 0), ones = vset8(-1);
-            for (; x + kE <= n; x += kE) {
-                const V k = vxor(vld(p + x), flip);
-                if constexpr (kMask) {
-                    const V sel = vsel8(m + x);
-                    any = vor(any, sel);
-                    mn = vminu8(mn, vor(k, vxor(sel, ones)));
-                    mx = vmaxu8(mx, vand(k, sel));
-                } else {
-                    mn = vminu8(mn, k);
-                    mx = vmaxu8(mx, k);
-                }
-            }
-            reduce_keys<uint8_t>(mn, mx, e.mn, e.mx);
-            e.any = e.any || !kMask || hsum64(any) != 0;
-        } else {
-            V mn = vset16(e.mn), mx = vset16(e.mx), any = vzero();
-            const V flip = vset16(0x8000), khi = vset16(0x7fff);
-            for (; x + kE <= n; x += kE) {
-                const V k = vxor(vld(p + x), flip);
-                if constexpr (kMask) {
-                    const V sel = vsel16(m + x);
-                    any = vor(any, sel);
-                    mn = vmini16(mn, vor(vand(k, sel), vandnot(sel, khi)));
-                    mx = vmaxi16(mx, vor(vand(k, sel), vandnot(sel, flip)));
-                } else {
-                    mn = vmini16(mn, k);
-                    mx = vmaxi16(mx, k);
-                }
-            }
-            reduce_keys<int16_t>(mn, mx, e.mn, e.mx);
-            e.any = e.any || !kMask || hsum64(any) != 0;
         }
+        fold_keys(dk, mn, mx, e->mn, e->mx);
+        e->any = e->any || !kMask || !hn::AllFalse(dk, any);
     }
-    extrema(p + x, kMask ? m + x : nullptr, n - x, e);
+    st::extrema(p + x, kMask ? m + x : nullptr, n - x, *e);
 }
+
+}  // namespace zeb::HWY_NAMESPACE::extrema
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_STATS_MIN_MAX_KERNELS_

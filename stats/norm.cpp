@@ -1,20 +1,25 @@
 // Masked norms of an image, of the difference of two images and of that
 // difference relative to the second image (Inf, L1, L2), of one channel:
 // one- or three-channel images of 8u, 8s, 16u and 32f.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "stats/norm_kernels.inl"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+#include "stats/norm_kernels.inl"
+
+#if HWY_ONCE
 #include <cmath>
 #include <type_traits>
 
 #include "core/dispatch.h"
-#include "core/row_driver.h"
+#include "core/simd_dispatch.h"
 #include "stats/stats_common.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
 using namespace zeb::stats;
-
-#define ZEB_KERNELS "stats/norm_kernels.inl"
-#include "core/isa_expand.h"
 
 struct Args {
     const void* a;
@@ -37,28 +42,16 @@ void int_totals(const Args& g, double& num, double& den) {
         const T* rb = F == Fam::Norm ? nullptr : row(static_cast<const T*>(g.b), g.bs, y);
         for_channel<T>(row(static_cast<const T*>(g.a), g.as, y), rb, g.ch, g.c, g.roi.width,
                        [&](const T* p, const T* q, int x0, int len) {
-                           if (use_avx2())
-                               avx2::int_norm_run<T, K, F>(p, q, m + x0, len, n, d);
-                           else
-                               ssse3::int_norm_run<T, K, F>(p, q, m + x0, len, n, d);
+                           ZEB_DISPATCH(norm::int_run<T, K, F>)(p, q, m + x0, len, &n, &d);
                        });
     }
     num = double(n);
     den = double(d);
 }
 
-template <Kind K, Fam F, int R>
-void rows_run(const float* const* a, const float* const* b, const uint8_t* const* m, int n, float (*num)[4],
-              float (*den)[4]) {
-    if (use_avx2())
-        avx2::float_norm_rows<K, F, R>(a, b, m, n, num, den);
-    else
-        ssse3::float_norm_rows<K, F, R>(a, b, m, n, num, den);
-}
-
 // L1 and L2 of a float image: four rows at a time for one-channel images
-// (four chains of additions hide the adder's latency on both kinds of
-// core), row by row in chunks for three.
+// (four independent chains of additions), row by row in chunks for three.
+// Each row's four lanes fold to two double totals per family side.
 template <Kind K, Fam F>
 void float_sums(const Args& g, double& num, double& den) {
     constexpr int R = 4;
@@ -85,7 +78,7 @@ void float_sums(const Args& g, double& num, double& den) {
                 pm[r] = row(g.m, g.ms, y + r);
                 for (int j = 0; j < 4; ++j) ln[r][j] = ld[r][j] = 0.f;
             }
-            rows_run<K, F, R>(pa, pb, pm, g.roi.width, ln, ld);
+            ZEB_DISPATCH(norm::float_rows<K, F, R>)(pa, pb, pm, g.roi.width, ln, ld);
             fold(R);
         }
     }
@@ -95,7 +88,7 @@ void float_sums(const Args& g, double& num, double& den) {
         for_channel<float>(rowp(g.a, g.as, y), rowp(g.b, g.bs, y), g.ch, g.c, g.roi.width,
                            [&](const float* p, const float* q, int x0, int len) {
                                const uint8_t* mm = m + x0;
-                               rows_run<K, F, 1>(&p, &q, &mm, len, ln, ld);
+                               ZEB_DISPATCH(norm::float_rows<K, F, 1>)(&p, &q, &mm, len, ln, ld);
                            });
         fold(1);
     }
@@ -112,10 +105,7 @@ void float_max(const Args& g, double& num, double& den) {
         const float* rb = F == Fam::Norm ? nullptr : row(static_cast<const float*>(g.b), g.bs, y);
         for_channel<float>(row(static_cast<const float*>(g.a), g.as, y), rb, g.ch, g.c, g.roi.width,
                            [&](const float* p, const float* q, int x0, int len) {
-                               if (use_avx2())
-                                   avx2::float_max_run<F>(p, q, m + x0, len, n, d);
-                               else
-                                   ssse3::float_max_run<F>(p, q, m + x0, len, n, d);
+                               ZEB_DISPATCH(norm::float_max_run<F>)(p, q, m + x0, len, &n, &d);
                            });
     }
     num = double(from_bits(n));
@@ -146,54 +136,357 @@ ZebStatus norm(const Args& g, int coi, Zeb64f* value) {
     }
 }
 
+// The two shapes of the exports: one source, or two sources (difference
+// and relative norms). ch is 1 or 3; coi is ignored for one channel.
+template <Kind K, class T>
+ZebStatus one(const T* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int ch, int coi, Zeb64f* v) {
+    return norm<T, K, Fam::Norm>({s, ss, nullptr, 0, m, ms, r, ch, 0}, coi, v);
+}
+template <Kind K, Fam F, class T>
+ZebStatus two(const T* a, int as, const T* b, int bs, const Zeb8u* m, int ms, ZebiSize r, int ch, int coi,
+              Zeb64f* v) {
+    return norm<T, K, F>({a, as, b, bs, m, ms, r, ch, 0}, coi, v);
+}
+
 }  // namespace
 
-#define ZEB_NORM_ONE(kind, T, c)                                                                                  \
-    ZebStatus zebiNorm_##kind##_##c##_C1MR(const T* p, int ps, const Zeb8u* m, int ms, ZebiSize roi, Zeb64f* v) { \
-        return norm<T, Kind::kind, Fam::Norm>({p, ps, nullptr, 0, m, ms, roi, 1, 0}, 1, v);                       \
-    }                                                                                                             \
-    ZebStatus zebiNorm_##kind##_##c##_C3CMR(const T* p, int ps, const Zeb8u* m, int ms, ZebiSize roi, int coi,   \
-                                            Zeb64f* v) {                                                          \
-        return norm<T, Kind::kind, Fam::Norm>({p, ps, nullptr, 0, m, ms, roi, 3, 0}, coi, v);                     \
-    }
-#define ZEB_NORM_TWO(fam, F, kind, T, c)                                                                          \
-    ZebStatus zebi##fam##_##kind##_##c##_C1MR(const T* p, int ps, const T* q, int qs, const Zeb8u* m, int ms,    \
-                                              ZebiSize roi, Zeb64f* v) {                                          \
-        return norm<T, Kind::kind, Fam::F>({p, ps, q, qs, m, ms, roi, 1, 0}, 1, v);                               \
-    }                                                                                                             \
-    ZebStatus zebi##fam##_##kind##_##c##_C3CMR(const T* p, int ps, const T* q, int qs, const Zeb8u* m, int ms,   \
-                                               ZebiSize roi, int coi, Zeb64f* v) {                                \
-        return norm<T, Kind::kind, Fam::F>({p, ps, q, qs, m, ms, roi, 3, 0}, coi, v);                             \
-    }
-#define ZEB_NORM_KIND(kind, T, c)      \
-    ZEB_NORM_ONE(kind, T, c)           \
-    ZEB_NORM_TWO(NormDiff, Diff, kind, T, c) \
-    ZEB_NORM_TWO(NormRel, Rel, kind, T, c)
-#define ZEB_NORM_TYPE(T, c)   \
-    ZEB_NORM_KIND(Inf, T, c)  \
-    ZEB_NORM_KIND(L1, T, c)   \
-    ZEB_NORM_KIND(L2, T, c)
+ZebStatus zebiNorm_Inf_8u_C1MR(const Zeb8u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_Inf_8u_C3CMR(const Zeb8u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_Inf_8u_C1MR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_Inf_8u_C3CMR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_Inf_8u_C1MR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_Inf_8u_C3CMR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L1_8u_C1MR(const Zeb8u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L1_8u_C3CMR(const Zeb8u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L1_8u_C1MR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L1_8u_C3CMR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L1_8u_C1MR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                 Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L1_8u_C3CMR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L2_8u_C1MR(const Zeb8u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L2_8u_C3CMR(const Zeb8u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L2_8u_C1MR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L2_8u_C3CMR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L2_8u_C1MR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                 Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L2_8u_C3CMR(const Zeb8u* a, int as, const Zeb8u* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_Inf_8s_C1MR(const Zeb8s* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_Inf_8s_C3CMR(const Zeb8s* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_Inf_8s_C1MR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_Inf_8s_C3CMR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_Inf_8s_C1MR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_Inf_8s_C3CMR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L1_8s_C1MR(const Zeb8s* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L1_8s_C3CMR(const Zeb8s* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L1_8s_C1MR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L1_8s_C3CMR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L1_8s_C1MR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                 Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L1_8s_C3CMR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L2_8s_C1MR(const Zeb8s* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L2_8s_C3CMR(const Zeb8s* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L2_8s_C1MR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L2_8s_C3CMR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                   int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L2_8s_C1MR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                 Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L2_8s_C3CMR(const Zeb8s* a, int as, const Zeb8s* b, int bs, const Zeb8u* m, int ms, ZebiSize r,
+                                  int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_Inf_16u_C1MR(const Zeb16u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_Inf_16u_C3CMR(const Zeb16u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_Inf_16u_C1MR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_Inf_16u_C3CMR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                     ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_Inf_16u_C1MR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_Inf_16u_C3CMR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L1_16u_C1MR(const Zeb16u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L1_16u_C3CMR(const Zeb16u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L1_16u_C1MR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L1_16u_C3CMR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L1_16u_C1MR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                  ZebiSize r, Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L1_16u_C3CMR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L2_16u_C1MR(const Zeb16u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L2_16u_C3CMR(const Zeb16u* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L2_16u_C1MR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L2_16u_C3CMR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L2_16u_C1MR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                  ZebiSize r, Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L2_16u_C3CMR(const Zeb16u* a, int as, const Zeb16u* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_Inf_32f_C1MR(const Zeb32f* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_Inf_32f_C3CMR(const Zeb32f* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::Inf>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_Inf_32f_C1MR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_Inf_32f_C3CMR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                     ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_Inf_32f_C1MR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_Inf_32f_C3CMR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::Inf, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L1_32f_C1MR(const Zeb32f* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L1_32f_C3CMR(const Zeb32f* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L1>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L1_32f_C1MR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L1_32f_C3CMR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L1_32f_C1MR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                  ZebiSize r, Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L1_32f_C3CMR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L1, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNorm_L2_32f_C1MR(const Zeb32f* s, int ss, const Zeb8u* m, int ms, ZebiSize r, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNorm_L2_32f_C3CMR(const Zeb32f* s, int ss, const Zeb8u* m, int ms, ZebiSize r, int coi, Zeb64f* v) {
+    return one<Kind::L2>(s, ss, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormDiff_L2_32f_C1MR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormDiff_L2_32f_C3CMR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                    ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Diff>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
+ZebStatus zebiNormRel_L2_32f_C1MR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                  ZebiSize r, Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 1, 1, v);
+}
+ZebStatus zebiNormRel_L2_32f_C3CMR(const Zeb32f* a, int as, const Zeb32f* b, int bs, const Zeb8u* m, int ms,
+                                   ZebiSize r, int coi, Zeb64f* v) {
+    return two<Kind::L2, Fam::Rel>(a, as, b, bs, m, ms, r, 3, coi, v);
+}
 
-ZEB_NORM_TYPE(Zeb8u, 8u)
-ZEB_NORM_TYPE(Zeb8s, 8s)
-ZEB_NORM_TYPE(Zeb16u, 16u)
-ZEB_NORM_TYPE(Zeb32f, 32f)
+}  // namespace zeb::impl
 
-}  // namespace zeb::ZEB_VNS
-
-#define ZEB_NORM_EXPORTS_KIND(kind, c)         \
-    ZEB_EXPORT(zebiNorm_##kind##_##c##_C1MR);     \
-    ZEB_EXPORT(zebiNorm_##kind##_##c##_C3CMR);    \
-    ZEB_EXPORT(zebiNormDiff_##kind##_##c##_C1MR); \
-    ZEB_EXPORT(zebiNormDiff_##kind##_##c##_C3CMR); \
-    ZEB_EXPORT(zebiNormRel_##kind##_##c##_C1MR);  \
-    ZEB_EXPORT(zebiNormRel_##kind##_##c##_C3CMR)
-#define ZEB_NORM_EXPORTS(c)            \
-    ZEB_NORM_EXPORTS_KIND(Inf, c);     \
-    ZEB_NORM_EXPORTS_KIND(L1, c);      \
-    ZEB_NORM_EXPORTS_KIND(L2, c)
-
-ZEB_NORM_EXPORTS(8u);
-ZEB_NORM_EXPORTS(8s);
-ZEB_NORM_EXPORTS(16u);
-ZEB_NORM_EXPORTS(32f);
+ZEB_EXPORT(zebiNorm_Inf_8u_C1MR);
+ZEB_EXPORT(zebiNorm_Inf_8u_C3CMR);
+ZEB_EXPORT(zebiNormDiff_Inf_8u_C1MR);
+ZEB_EXPORT(zebiNormDiff_Inf_8u_C3CMR);
+ZEB_EXPORT(zebiNormRel_Inf_8u_C1MR);
+ZEB_EXPORT(zebiNormRel_Inf_8u_C3CMR);
+ZEB_EXPORT(zebiNorm_L1_8u_C1MR);
+ZEB_EXPORT(zebiNorm_L1_8u_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L1_8u_C1MR);
+ZEB_EXPORT(zebiNormDiff_L1_8u_C3CMR);
+ZEB_EXPORT(zebiNormRel_L1_8u_C1MR);
+ZEB_EXPORT(zebiNormRel_L1_8u_C3CMR);
+ZEB_EXPORT(zebiNorm_L2_8u_C1MR);
+ZEB_EXPORT(zebiNorm_L2_8u_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L2_8u_C1MR);
+ZEB_EXPORT(zebiNormDiff_L2_8u_C3CMR);
+ZEB_EXPORT(zebiNormRel_L2_8u_C1MR);
+ZEB_EXPORT(zebiNormRel_L2_8u_C3CMR);
+ZEB_EXPORT(zebiNorm_Inf_8s_C1MR);
+ZEB_EXPORT(zebiNorm_Inf_8s_C3CMR);
+ZEB_EXPORT(zebiNormDiff_Inf_8s_C1MR);
+ZEB_EXPORT(zebiNormDiff_Inf_8s_C3CMR);
+ZEB_EXPORT(zebiNormRel_Inf_8s_C1MR);
+ZEB_EXPORT(zebiNormRel_Inf_8s_C3CMR);
+ZEB_EXPORT(zebiNorm_L1_8s_C1MR);
+ZEB_EXPORT(zebiNorm_L1_8s_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L1_8s_C1MR);
+ZEB_EXPORT(zebiNormDiff_L1_8s_C3CMR);
+ZEB_EXPORT(zebiNormRel_L1_8s_C1MR);
+ZEB_EXPORT(zebiNormRel_L1_8s_C3CMR);
+ZEB_EXPORT(zebiNorm_L2_8s_C1MR);
+ZEB_EXPORT(zebiNorm_L2_8s_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L2_8s_C1MR);
+ZEB_EXPORT(zebiNormDiff_L2_8s_C3CMR);
+ZEB_EXPORT(zebiNormRel_L2_8s_C1MR);
+ZEB_EXPORT(zebiNormRel_L2_8s_C3CMR);
+ZEB_EXPORT(zebiNorm_Inf_16u_C1MR);
+ZEB_EXPORT(zebiNorm_Inf_16u_C3CMR);
+ZEB_EXPORT(zebiNormDiff_Inf_16u_C1MR);
+ZEB_EXPORT(zebiNormDiff_Inf_16u_C3CMR);
+ZEB_EXPORT(zebiNormRel_Inf_16u_C1MR);
+ZEB_EXPORT(zebiNormRel_Inf_16u_C3CMR);
+ZEB_EXPORT(zebiNorm_L1_16u_C1MR);
+ZEB_EXPORT(zebiNorm_L1_16u_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L1_16u_C1MR);
+ZEB_EXPORT(zebiNormDiff_L1_16u_C3CMR);
+ZEB_EXPORT(zebiNormRel_L1_16u_C1MR);
+ZEB_EXPORT(zebiNormRel_L1_16u_C3CMR);
+ZEB_EXPORT(zebiNorm_L2_16u_C1MR);
+ZEB_EXPORT(zebiNorm_L2_16u_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L2_16u_C1MR);
+ZEB_EXPORT(zebiNormDiff_L2_16u_C3CMR);
+ZEB_EXPORT(zebiNormRel_L2_16u_C1MR);
+ZEB_EXPORT(zebiNormRel_L2_16u_C3CMR);
+ZEB_EXPORT(zebiNorm_Inf_32f_C1MR);
+ZEB_EXPORT(zebiNorm_Inf_32f_C3CMR);
+ZEB_EXPORT(zebiNormDiff_Inf_32f_C1MR);
+ZEB_EXPORT(zebiNormDiff_Inf_32f_C3CMR);
+ZEB_EXPORT(zebiNormRel_Inf_32f_C1MR);
+ZEB_EXPORT(zebiNormRel_Inf_32f_C3CMR);
+ZEB_EXPORT(zebiNorm_L1_32f_C1MR);
+ZEB_EXPORT(zebiNorm_L1_32f_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L1_32f_C1MR);
+ZEB_EXPORT(zebiNormDiff_L1_32f_C3CMR);
+ZEB_EXPORT(zebiNormRel_L1_32f_C1MR);
+ZEB_EXPORT(zebiNormRel_L1_32f_C3CMR);
+ZEB_EXPORT(zebiNorm_L2_32f_C1MR);
+ZEB_EXPORT(zebiNorm_L2_32f_C3CMR);
+ZEB_EXPORT(zebiNormDiff_L2_32f_C1MR);
+ZEB_EXPORT(zebiNormDiff_L2_32f_C3CMR);
+ZEB_EXPORT(zebiNormRel_L2_32f_C1MR);
+ZEB_EXPORT(zebiNormRel_L2_32f_C3CMR);
+#endif  // HWY_ONCE

@@ -1,7 +1,9 @@
-// Mean and standard deviation: every variant and instruction-set path
-// against the definitions (exact integer sums; the documented lane orders
-// of the 32f kernels, bit for bit), the 32f refinement pass, the edge
-// cases, and OpenCV's meanStdDev as the independent oracle.
+// Mean and standard deviation, on every vector target and both variants:
+// the definitions (exact integer sums; the documented lane orders of the
+// 32f kernels, bit for bit), the 32f refinement pass, the edge cases,
+// long-double sums within the error bound of single-precision lanes, and
+// OpenCV's meanStdDev as the independent oracle, on random images and on
+// photographs.
 #include "stats/stats_ref.h"
 #include "stats_support.h"
 
@@ -10,10 +12,13 @@ namespace {
 using zst::Image;
 namespace ref = zeb::stats;
 
+ZT_TARGET_SUITE(MeanStdDev);
+
 // Mean only (masked forms) or mean and deviation, with or without a mask.
 template <class T>
 ZebStatus call(int v, bool meanOnly, const Image<T>& s, const Image<uint8_t>* m, int coi, double* mean, double* sd) {
-    return zst::run<T>(meanOnly ? "zebiMean_" : "zebiMean_StdDev_", v, s, nullptr, m, {mean, sd}, coi);
+    return zst::run<T>(meanOnly ? zst::Family::Mean : zst::Family::MeanStdDev, zst::Kind::None, v, s, nullptr, m,
+                       {mean, sd}, coi);
 }
 
 struct Result {
@@ -76,8 +81,10 @@ Result expected(const Image<T>& s, const Image<uint8_t>* m, int c, bool meanOnly
     if constexpr (std::is_same_v<T, float>) {
         const int64_t n = int64_t(s.width()) * s.height();
         FloatKernel k = FloatKernel::Blocked;
-        if (!m && s.channels() == 1 && (n <= 5000 || s.width() < 4)) k = FloatKernel::Plain;
-        else if (!m && s.channels() == 1 && n < 100000 && s.step() % 16 == 0) k = FloatKernel::Aligned;
+        if (!m && s.channels() == 1 && (n <= 5000 || s.width() < 4))
+            k = FloatKernel::Plain;
+        else if (!m && s.channels() == 1 && n < 100000 && s.step() % 16 == 0)
+            k = FloatKernel::Aligned;
         return expected_float(s, m, c, k, meanOnly);
     } else {
         return expected_int(s, m, c);
@@ -87,15 +94,15 @@ Result expected(const Image<T>& s, const Image<uint8_t>* m, int c, bool meanOnly
 // Every form of type T on one image, every channel, bit for bit against
 // the definition; the mean-only form leaves the deviation alone.
 template <class T>
-void check_forms(const zt::Path& p, const Image<T>& s, const Image<uint8_t>& m, const std::string& what) {
+void check_forms(int v, const Image<T>& s, const Image<uint8_t>& m, const std::string& what) {
     for (int coi = 1; coi <= s.channels(); ++coi)
         for (int form = 0; form < 3; ++form) {  // 0 mean only, 1 unmasked, 2 masked
             const Image<uint8_t>* mk = form == 1 ? nullptr : &m;
             double mean = -1, sd = -1;
-            ASSERT_EQ(call(p.variant, form == 0, s, mk, coi, &mean, form == 0 ? nullptr : &sd), zebStsNoErr);
+            ASSERT_EQ(call(v, form == 0, s, mk, coi, &mean, form == 0 ? nullptr : &sd), zebStsNoErr);
             const Result want = expected(s, mk, coi - 1, form == 0);
             ASSERT_TRUE(zst::same_bits(mean, want.mean) && zst::same_bits(sd, form == 0 ? -1 : want.sd))
-                << p.name() << " " << what << " coi " << coi << " form " << form << ": " << mean << " " << sd
+                << "variant " << v << " " << what << " coi " << coi << " form " << form << ": " << mean << " " << sd
                 << " want " << want.mean << " " << want.sd;
         }
 }
@@ -106,99 +113,98 @@ void check_forms(const zt::Path& p, const Image<T>& s, const Image<uint8_t>& m, 
 // of the size thresholds.
 template <class T>
 void sweep_type() {
-    zst::sweep_images<T>([](const zt::Path& p, Image<T>& s, Image<uint8_t>& m, const std::string& what) {
-        check_forms(p, s, m, what);
-    });
-    const int shapes[][4] = {{9011, 3, 1, 1}, {9011, 3, 3, 1}, {3, 2000, 1, 0},   {70, 71, 1, 0},
-                             {100, 50, 1, 0}, {100, 51, 1, 0}, {130, 60, 1, 2},   {130, 60, 1, 1},
+    zst::sweep_images<T>(
+        [](int v, Image<T>& s, Image<uint8_t>& m, const std::string& what) { check_forms(v, s, m, what); });
+    const int shapes[][4] = {{9011, 3, 1, 1},  {9011, 3, 3, 1},  {3, 2000, 1, 0},  {70, 71, 1, 0},
+                             {100, 50, 1, 0},  {100, 51, 1, 0},  {130, 60, 1, 2},  {130, 60, 1, 1},
                              {333, 300, 1, 0}, {400, 250, 1, 0}, {399, 250, 1, 1}, {1000, 101, 1, 0}};
-    zst::each_path([&](const zt::Path& p) {
-        for (const auto& k : shapes) {
-            if (k[1] > 3 && !std::is_same_v<T, float>) continue;
-            Image<T> s(k[0], k[1], k[2], k[3] * int(sizeof(T)));
-            Image<uint8_t> m(k[0], k[1]);
-            zst::fill_mask(m, 90);
-            check_forms(p, s, m, "w=" + std::to_string(k[0]) + " h=" + std::to_string(k[1]));
-        }
-    });
+    for (const auto& k : shapes) {
+        if (k[1] > 3 && !std::is_same_v<T, float>) continue;
+        Image<T> s(k[0], k[1], k[2], k[3] * int(sizeof(T)));
+        Image<uint8_t> m(k[0], k[1]);
+        zst::fill_mask(m, 90);
+        for (int v = 0; v < 2; ++v) check_forms(v, s, m, "w=" + std::to_string(k[0]) + " h=" + std::to_string(k[1]));
+    }
 }
 
-TEST(MeanStdDev, AllPathsMatchDefinition8u) { sweep_type<uint8_t>(); }
-TEST(MeanStdDev, AllPathsMatchDefinition8s) { sweep_type<int8_t>(); }
-TEST(MeanStdDev, AllPathsMatchDefinition16u) { sweep_type<uint16_t>(); }
-TEST(MeanStdDev, AllPathsMatchDefinition32f) { sweep_type<float>(); }
+TEST_P(MeanStdDev, MatchesDefinition8u) { sweep_type<uint8_t>(); }
+TEST_P(MeanStdDev, MatchesDefinition8s) { sweep_type<int8_t>(); }
+TEST_P(MeanStdDev, MatchesDefinition16u) { sweep_type<uint16_t>(); }
+TEST_P(MeanStdDev, MatchesDefinition32f) { sweep_type<float>(); }
 
 // Byte images of 0x800000 pixels and more keep their sums in 64 bits; the
 // results stay exact on both sides of the threshold.
-TEST(MeanStdDev, ByteSumsAcrossTheWideThreshold) {
+TEST_P(MeanStdDev, ByteSumsAcrossTheWideThreshold) {
     for (int h : {2047, 2048, 2049}) {
         Image<uint8_t> s(4096, h), m(4096, h);
         zst::fill_range(s, 200, 255);
         m.fill(1);
-        zst::each_path([&](const zt::Path& p) { check_forms(p, s, m, "h=" + std::to_string(h)); });
+        for (int v = 0; v < 2; ++v) check_forms(v, s, m, "h=" + std::to_string(h));
     }
 }
 
 // Near-constant images, where the single-precision lanes alone would lose
 // the deviation: the second pass, bit for bit, and accurate.
-TEST(MeanStdDev, FloatRefinementPass) {
+TEST_P(MeanStdDev, FloatRefinementPass) {
     Image<float> s(317, 211);
     Image<uint8_t> m(317, 211);
     zst::fill_mask(m);
     zst::fill_range(s, 1000.0 - 0.001, 1000.0 + 0.001);
-    zst::each_path([&](const zt::Path& p) {
-        check_forms(p, s, m, "near-constant");
+    for (int v = 0; v < 2; ++v) {
+        check_forms(v, s, m, "near-constant");
         for (int masked : {1, 0}) {
             const Image<uint8_t>* mk = masked ? &m : nullptr;
             double mean, sd;
-            ASSERT_EQ(call(p.variant, false, s, mk, 1, &mean, &sd), zebStsNoErr);
+            ASSERT_EQ(call(v, false, s, mk, 1, &mean, &sd), zebStsNoErr);
             long double n = 0, S = 0, D = 0;
             for (int pass = 0; pass < 2; ++pass)
                 for (int y = 0; y < s.height(); ++y)
                     for (int x = 0; x < s.width(); ++x) {
                         const long double v = s.at(x, y);
                         if (mk && !m.at(x, y)) continue;
-                        if (pass == 0) n += 1, S += v;
-                        else D += (v - S / n) * (v - S / n);
+                        if (pass == 0)
+                            n += 1, S += v;
+                        else
+                            D += (v - S / n) * (v - S / n);
                     }
             // The deviation is about 5.8e-4 while single-precision sums of
             // squares near 1e6 carry errors of about 0.06.
-            EXPECT_NEAR(sd, double(std::sqrt(D / n)), 1e-8) << p.name();
-            EXPECT_NEAR(mean, double(S / n), 1e-4) << p.name();
+            EXPECT_NEAR(sd, double(std::sqrt(D / n)), 1e-8) << v;
+            EXPECT_NEAR(mean, double(S / n), 1e-4) << v;
         }
-    });
+    }
 }
 
 // Empty masks give zeros; constant images an exact zero deviation, never
 // NaN; each output may be requested alone.
-TEST(MeanStdDev, EmptyMaskConstantImageAndNullOutputs) {
-    zst::each_path([](const zt::Path& p) {
+TEST_P(MeanStdDev, EmptyMaskConstantImageAndNullOutputs) {
+    for (int v = 0; v < 2; ++v) {
         Image<uint8_t> m(77, 9);
         m.fill(0);
         Image<float> f(77, 9, 3);
         for (bool meanOnly : {false, true}) {
             double mean = 5, sd = 5;
-            ASSERT_EQ(call(p.variant, meanOnly, f, &m, 2, &mean, &sd), zebStsNoErr);
+            ASSERT_EQ(call(v, meanOnly, f, &m, 2, &mean, &sd), zebStsNoErr);
             EXPECT_EQ(mean, 0.0);
             EXPECT_EQ(sd, meanOnly ? 5.0 : 0.0);
         }
         double mean, sd;
         Image<uint16_t> c16(77, 9);
         c16.fill(54321);
-        ASSERT_EQ(call(p.variant, false, c16, nullptr, 1, &mean, &sd), zebStsNoErr);
+        ASSERT_EQ(call(v, false, c16, nullptr, 1, &mean, &sd), zebStsNoErr);
         EXPECT_TRUE(mean == 54321.0 && sd == 0.0) << mean << " " << sd;
         // Exact float sums give an exact mean, and the second pass an exact 0.
         Image<float> cf(1000, 120);
         cf.fill(3.0f);
-        ASSERT_EQ(call(p.variant, false, cf, nullptr, 1, &mean, &sd), zebStsNoErr);
+        ASSERT_EQ(call(v, false, cf, nullptr, 1, &mean, &sd), zebStsNoErr);
         EXPECT_EQ(sd, 0.0);
         Image<int8_t> s(50, 3);
         const Result want = expected_int(s, nullptr, 0);
         mean = sd = -1;
-        ASSERT_EQ(call(p.variant, false, s, nullptr, 1, &mean, nullptr), 0);
-        ASSERT_EQ(call(p.variant, false, s, nullptr, 1, nullptr, &sd), 0);
+        ASSERT_EQ(call(v, false, s, nullptr, 1, &mean, nullptr), 0);
+        ASSERT_EQ(call(v, false, s, nullptr, 1, nullptr, &sd), 0);
         EXPECT_TRUE(mean == want.mean && sd == want.sd);
-    });
+    }
 }
 
 // OpenCV on a full-size image. Integer sums are exact on both sides, so the
@@ -216,25 +222,121 @@ void against_opencv(double lo, double hi, double relTol) {
         cv::meanStdDev(s.mat(), cv[0], cv[1], m.mat());
         cv::meanStdDev(s.mat(), cv[2], cv[3]);
         const double tol = relTol * std::max(std::fabs(lo), std::fabs(hi));
-        for (int coi = 1; coi <= ch; ++coi)
-            for (int form = 0; form < 3; ++form) {  // masked, unmasked, mean only
-                double mean, sd;
-                ASSERT_EQ(call(zeb_cpu_variant, form == 2, s, form == 1 ? nullptr : &m, coi, &mean, &sd), 0);
-                const std::string what = "form " + std::to_string(form) + " coi " + std::to_string(coi);
-                EXPECT_NEAR(mean, cv[form == 1 ? 2 : 0][coi - 1], tol) << what;
-                if (form < 2) {
-                    EXPECT_NEAR(sd, cv[form == 1 ? 3 : 1][coi - 1], tol) << what;
+        for (int v = 0; v < 2; ++v)
+            for (int coi = 1; coi <= ch; ++coi)
+                for (int form = 0; form < 3; ++form) {  // masked, unmasked, mean only
+                    double mean, sd;
+                    ASSERT_EQ(call(v, form == 2, s, form == 1 ? nullptr : &m, coi, &mean, &sd), 0);
+                    const std::string what = "form " + std::to_string(form) + " coi " + std::to_string(coi);
+                    EXPECT_NEAR(mean, cv[form == 1 ? 2 : 0][coi - 1], tol) << what;
+                    if (form < 2) {
+                        EXPECT_NEAR(sd, cv[form == 1 ? 3 : 1][coi - 1], tol) << what;
+                    }
                 }
-            }
     }
 }
 
-TEST(MeanStdDev, AgreesWithOpenCV) {
+TEST_P(MeanStdDev, AgreesWithOpenCV) {
     against_opencv<uint8_t>(0, 255, 1e-12);
     against_opencv<int8_t>(-128, 127, 1e-12);
     against_opencv<uint16_t>(0, 65535, 1e-12);
     against_opencv<float>(-1000, 1000, 1e-6);
     against_opencv<float>(50, 51, 1e-6);
+}
+
+// Photographs, every type and layout, with a mask cut from another
+// photograph: OpenCV's meanStdDev over all channels at once.
+template <class T>
+void photos_against_opencv(double relTol) {
+    const auto& names = zst::photo_names();
+    for (std::size_t i = 0; i < names.size(); ++i)
+        for (int ch : {1, 3}) {
+            const Image<T> s = zst::photo<T>(names[i], ch);
+            const Image<uint8_t> m = zst::photo_mask(names[(i + 1) % names.size()], s.width(), s.height());
+            cv::Scalar cm, cs, um, us;
+            cv::meanStdDev(s.mat(), cm, cs, m.mat());
+            cv::meanStdDev(s.mat(), um, us);
+            for (int v = 0; v < 2; ++v)
+                for (int coi = 1; coi <= ch; ++coi)
+                    for (int masked : {0, 1}) {
+                        double mean = -1, sd = -1, mo = -1;
+                        const Image<uint8_t>* mk = masked ? &m : nullptr;
+                        ASSERT_EQ(call(v, false, s, mk, coi, &mean, &sd), 0);
+                        const double wm = masked ? cm[coi - 1] : um[coi - 1], ws = masked ? cs[coi - 1] : us[coi - 1];
+                        const double tol = relTol * (std::fabs(wm) + ws);
+                        EXPECT_NEAR(mean, wm, tol) << names[i] << " ch " << ch << " coi " << coi << " m " << masked;
+                        EXPECT_NEAR(sd, ws, tol) << names[i] << " ch " << ch << " coi " << coi << " m " << masked;
+                        if (masked) {
+                            ASSERT_EQ(call(v, true, s, mk, coi, &mo, nullptr), 0);
+                            EXPECT_EQ(mo, mean) << names[i];
+                        }
+                    }
+        }
+}
+
+TEST_P(MeanStdDev, PhotographsAgreeWithOpenCV) {
+    photos_against_opencv<uint8_t>(1e-12);
+    photos_against_opencv<int8_t>(1e-12);
+    photos_against_opencv<uint16_t>(1e-12);
+    photos_against_opencv<float>(2e-6);
+}
+
+// 32f against sums taken in long double (two passes: the mean, then the
+// squared deviations), independent of any lane order. The tolerance is the
+// forward error bound of the documented single-precision lanes: the plain
+// kernel chains up to n/4 + 2(w + h) additions per lane, the aligned one
+// n/16 + 1, the blocked one w/16 + 1 per row; S and Q then err by at most
+// (chain + 3) u sum|x| and (chain + 4) u sum x^2. The variance Q/n - mean^2
+// errs by at most eQ/n + (2|mean| + eS/n) eS/n, the deviation by that over
+// the true deviation (or its square root, whichever is smaller).
+TEST_P(MeanStdDev, FloatSumsWithinSinglePrecisionBound) {
+    struct Shape {
+        int w, h, ch, pad;
+        bool masked;
+    };
+    const Shape shapes[] = {{1920, 1080, 1, 4, false}, {1920, 1080, 1, 0, true}, {640, 480, 3, 8, false},
+                            {200, 300, 1, 0, false},   {61, 80, 1, 4, false},    {3, 900, 1, 0, false},
+                            {777, 333, 3, 0, true}};
+    for (const Shape& sh : shapes) {
+        Image<float> s(sh.w, sh.h, sh.ch, sh.pad);
+        zst::fill_range(s, -300, 1000);
+        Image<uint8_t> m(sh.w, sh.h);
+        zst::fill_mask(m, 70);
+        const Image<uint8_t>* mk = sh.masked ? &m : nullptr;
+        const long double n = (long double)sh.w * sh.h;
+        long double chain = sh.w / 16 + 1;
+        if (!sh.masked && sh.ch == 1) {
+            if (n <= 5000 || sh.w < 4)
+                chain = n / 4 + 2 * (sh.w + sh.h);
+            else if (n < 100000 && s.step() % 16 == 0)
+                chain = n / 16 + 1;
+        }
+        for (int coi = 1; coi <= sh.ch; ++coi) {
+            long double cnt = 0, S = 0, A = 0, Q = 0, D = 0;
+            for (int y = 0; y < sh.h; ++y)
+                for (int x = 0; x < sh.w; ++x)
+                    if (!mk || m.at(x, y)) {
+                        const long double v = s.at(x, y, coi - 1);
+                        cnt += 1, S += v, A += std::fabs(v), Q += v * v;
+                    }
+            const long double mean = S / cnt;
+            for (int y = 0; y < sh.h; ++y)
+                for (int x = 0; x < sh.w; ++x)
+                    if (!mk || m.at(x, y)) D += (s.at(x, y, coi - 1) - mean) * (s.at(x, y, coi - 1) - mean);
+            const long double sd = std::sqrt(D / cnt);
+            const long double eS = zst::float_sum_bound(chain, 3, A), eQ = zst::float_sum_bound(chain, 4, Q);
+            const long double eVar = eQ / cnt + (2 * std::fabs(mean) + eS / cnt) * eS / cnt;
+            const long double eSd = std::min(eVar / sd, std::sqrt(eVar));
+            for (int v = 0; v < 2; ++v) {
+                double gm, gs;
+                ASSERT_EQ(call(v, false, s, mk, coi, &gm, &gs), 0);
+                const std::string what = std::to_string(sh.w) + "x" + std::to_string(sh.h) + " ch " +
+                                         std::to_string(sh.ch) + " coi " + std::to_string(coi);
+                EXPECT_NEAR(gm, double(mean), double(eS / cnt) + 1e-12) << what;
+                EXPECT_NEAR(gs, double(sd), double(eSd) + 1e-12) << what;
+            }
+        }
+    }
 }
 
 }  // namespace

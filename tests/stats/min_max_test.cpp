@@ -1,7 +1,7 @@
-// Extrema with positions: every variant and instruction-set path against a
-// plain scan in row order (strict comparisons, so first occurrences win),
+// Extrema with positions, on every vector target and both variants: a
+// plain scan in row order (strict comparisons, so first occurrences win)
 // on data full of ties, NaN and signed zeros; the edge cases; OpenCV's
-// minMaxLoc as the independent oracle.
+// minMaxLoc as the independent oracle, on random images and photographs.
 #include <limits>
 
 #include "stats_support.h"
@@ -9,6 +9,8 @@
 namespace {
 
 using zst::Image;
+
+ZT_TARGET_SUITE(MinMaxIndx);
 
 struct Ext {
     float mn = 0, mx = 0;
@@ -26,7 +28,7 @@ std::ostream& operator<<(std::ostream& os, const Ext& e) {
 
 template <class T>
 ZebStatus call(int v, const Image<T>& s, const Image<uint8_t>* m, int coi, Ext& e) {
-    return zst::run<T>("zebiMinMaxIndx_", v, s, nullptr, m, {&e.mn, &e.mx, &e.imn, &e.imx}, coi);
+    return zst::run<T>(zst::Family::MinMax, zst::Kind::None, v, s, nullptr, m, {&e.mn, &e.mx, &e.imn, &e.imx}, coi);
 }
 
 // The definition: one scan in row order, strict comparisons, NaN skipped.
@@ -52,8 +54,13 @@ template <class T>
 void fill_tricky(Image<T>& s, int kind) {
     if (kind == 0) return;
     if constexpr (std::is_floating_point_v<T>) {
-        const float specials[] = {0.f, -0.f, std::numeric_limits<float>::quiet_NaN(), 1.f, -1.f,
-                                  std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity()};
+        const float specials[] = {0.f,
+                                  -0.f,
+                                  std::numeric_limits<float>::quiet_NaN(),
+                                  1.f,
+                                  -1.f,
+                                  std::numeric_limits<float>::infinity(),
+                                  -std::numeric_limits<float>::infinity()};
         for (int y = 0; y < s.height(); ++y)
             for (int x = 0; x < s.width() * s.channels(); ++x) {
                 const unsigned r = zt::rng()() % 16;
@@ -66,55 +73,53 @@ void fill_tricky(Image<T>& s, int kind) {
 }
 
 template <class T>
-void check(const zt::Path& p, const Image<T>& s, const Image<uint8_t>& m, const std::string& what) {
+void check(int v, const Image<T>& s, const Image<uint8_t>& m, const std::string& what) {
     for (int coi = 1; coi <= s.channels(); ++coi)
         for (const Image<uint8_t>* mk : {(const Image<uint8_t>*)nullptr, &m}) {
             Ext got;
             got.mn = got.mx = -7;
-            ASSERT_EQ(call(p.variant, s, mk, coi, got), zebStsNoErr);
+            ASSERT_EQ(call(v, s, mk, coi, got), zebStsNoErr);
             const Ext want = scan(s, mk, coi - 1);
-            ASSERT_EQ(got, want) << p.name() << " " << what << " coi=" << coi << (mk ? " masked" : "");
+            ASSERT_EQ(got, want) << what << " coi=" << coi << (mk ? " masked" : "");
         }
 }
 
 // Every shape; rows longer than a chunk of copied channel values.
 template <class T>
 void sweep_type() {
-    zst::sweep_images<T>([](const zt::Path& p, Image<T>& s, Image<uint8_t>& m, const std::string& what) {
+    zst::sweep_images<T>([](int v, Image<T>& s, Image<uint8_t>& m, const std::string& what) {
         for (int kind = 0; kind < 3; ++kind) {
             fill_tricky(s, kind);
             if (kind == 2) zst::fill_mask(m, 10);
-            check(p, s, m, what + " kind=" + std::to_string(kind));
+            check(v, s, m, what + " kind=" + std::to_string(kind));
         }
     });
-    zst::each_path([](const zt::Path& p) {
-        Image<T> s(2100, 4, 3);
-        fill_tricky(s, 1);
-        Image<uint8_t> m(2100, 4);
-        zst::fill_mask(m);
-        check(p, s, m, "wide");
-    });
+    Image<T> s(2100, 4, 3);
+    fill_tricky(s, 1);
+    Image<uint8_t> m(2100, 4);
+    zst::fill_mask(m);
+    for (int v = 0; v < 2; ++v) check(v, s, m, "wide");
 }
 
-TEST(MinMaxIndx, AllPathsMatchDefinition8u) { sweep_type<uint8_t>(); }
-TEST(MinMaxIndx, AllPathsMatchDefinition8s) { sweep_type<int8_t>(); }
-TEST(MinMaxIndx, AllPathsMatchDefinition16u) { sweep_type<uint16_t>(); }
-TEST(MinMaxIndx, AllPathsMatchDefinition32f) { sweep_type<float>(); }
+TEST_P(MinMaxIndx, MatchesDefinition8u) { sweep_type<uint8_t>(); }
+TEST_P(MinMaxIndx, MatchesDefinition8s) { sweep_type<int8_t>(); }
+TEST_P(MinMaxIndx, MatchesDefinition16u) { sweep_type<uint16_t>(); }
+TEST_P(MinMaxIndx, MatchesDefinition32f) { sweep_type<float>(); }
 
-TEST(MinMaxIndx, FirstOccurrenceAndEmptySelection) {
-    zst::each_path([](const zt::Path& p) {
+TEST_P(MinMaxIndx, FirstOccurrenceAndEmptySelection) {
+    for (int v = 0; v < 2; ++v) {
         Image<uint16_t> s(40, 6);
         s.fill(500);
         s.at(5, 2) = s.at(1, 3) = 3;     // lower row, further left: the row wins
         s.at(30, 4) = s.at(7, 4) = 900;  // same row: the leftmost wins
         Ext e;
-        ASSERT_EQ(call(p.variant, s, nullptr, 1, e), 0);
+        ASSERT_EQ(call(v, s, nullptr, 1, e), 0);
         EXPECT_EQ(e, (Ext{3.f, 900.f, {5, 2}, {7, 4}}));
         // Masked: the masked-out minimum of row 2 no longer counts.
         Image<uint8_t> m(40, 6);
         m.fill(1);
         m.at(5, 2) = 0;
-        ASSERT_EQ(call(p.variant, s, &m, 1, e), 0);
+        ASSERT_EQ(call(v, s, &m, 1, e), 0);
         EXPECT_EQ(e, (Ext{3.f, 900.f, {1, 3}, {7, 4}}));
         // Nothing selected, or a float image of NaN only: zeros, success.
         m.fill(0);
@@ -122,7 +127,7 @@ TEST(MinMaxIndx, FirstOccurrenceAndEmptySelection) {
         f.fill(std::numeric_limits<float>::quiet_NaN());
         for (int k = 0; k < 2; ++k) {
             Ext z{9, 9, {9, 9}, {9, 9}};
-            ASSERT_EQ(k ? call(p.variant, f, nullptr, 3, z) : call(p.variant, s, &m, 1, z), 0);
+            ASSERT_EQ(k ? call(v, f, nullptr, 3, z) : call(v, s, &m, 1, z), 0);
             EXPECT_EQ(z, Ext{}) << k;
         }
         // Null outputs are skipped; the rest are written.
@@ -130,14 +135,31 @@ TEST(MinMaxIndx, FirstOccurrenceAndEmptySelection) {
         const Ext want = scan(b, nullptr, 0);
         float mx = 0;
         ZebiPoint imn{-1, -1};
-        ASSERT_EQ(zst::run<int8_t>("zebiMinMaxIndx_", p.variant, b, nullptr, nullptr, {nullptr, &mx, &imn, nullptr}),
+        ASSERT_EQ(zst::run<int8_t>(zst::Family::MinMax, zst::Kind::None, v, b, nullptr, nullptr,
+                                   {nullptr, &mx, &imn, nullptr}),
                   0);
         EXPECT_TRUE(mx == want.mx && imn.x == want.imn.x && imn.y == want.imn.y);
-    });
+    }
 }
 
 // OpenCV's minMaxLoc scans in row order and keeps the first occurrence too,
 // so values and positions agree exactly (NaN-free data).
+template <class T>
+void expect_opencv(const Image<T>& s, const Image<uint8_t>& m, const std::string& what) {
+    for (int coi = 1; coi <= s.channels(); ++coi)
+        for (bool masked : {false, true}) {
+            double mn, mx;
+            cv::Point pmn, pmx;
+            cv::minMaxLoc(zst::channel_mat(s, coi - 1), &mn, &mx, &pmn, &pmx, masked ? m.mat() : cv::noArray());
+            for (int v = 0; v < 2; ++v) {
+                Ext e;
+                ASSERT_EQ(call(v, s, masked ? &m : nullptr, coi, e), 0);
+                EXPECT_EQ(e, (Ext{float(mn), float(mx), {pmn.x, pmn.y}, {pmx.x, pmx.y}}))
+                    << what << " ch " << s.channels() << " coi " << coi << " masked " << masked;
+            }
+        }
+}
+
 template <class T>
 void against_opencv(double lo, double hi) {
     for (int ch : {1, 3}) {
@@ -145,24 +167,34 @@ void against_opencv(double lo, double hi) {
         zst::fill_range(s, lo, hi);
         Image<uint8_t> m(1920, 1080, 1, 3);
         zst::fill_mask(m, 50);
-        for (int coi = 1; coi <= ch; ++coi)
-            for (bool masked : {false, true}) {
-                double mn, mx;
-                cv::Point pmn, pmx;
-                cv::minMaxLoc(zst::channel_mat(s, coi - 1), &mn, &mx, &pmn, &pmx, masked ? m.mat() : cv::noArray());
-                Ext e;
-                ASSERT_EQ(call(zeb_cpu_variant, s, masked ? &m : nullptr, coi, e), 0);
-                EXPECT_EQ(e, (Ext{float(mn), float(mx), {pmn.x, pmn.y}, {pmx.x, pmx.y}})) << ch << coi << masked;
-            }
+        expect_opencv(s, m, "random");
     }
 }
 
-TEST(MinMaxIndx, AgreesWithOpenCV) {
+TEST_P(MinMaxIndx, AgreesWithOpenCV) {
     against_opencv<uint8_t>(0, 255);
     against_opencv<int8_t>(-128, 127);
     against_opencv<uint16_t>(0, 65535);
     against_opencv<float>(-1000, 1000);
     against_opencv<uint8_t>(10, 12);  // ties everywhere
+}
+
+// Photographs: large flat areas and saturated highlights give many ties.
+template <class T>
+void photos_against_opencv() {
+    const auto& names = zst::photo_names();
+    for (std::size_t i = 0; i < names.size(); ++i)
+        for (int ch : {1, 3}) {
+            const Image<T> s = zst::photo<T>(names[i], ch);
+            expect_opencv(s, zst::photo_mask(names[(i + 2) % names.size()], s.width(), s.height()), names[i]);
+        }
+}
+
+TEST_P(MinMaxIndx, PhotographsAgreeWithOpenCV) {
+    photos_against_opencv<uint8_t>();
+    photos_against_opencv<int8_t>();
+    photos_against_opencv<uint16_t>();
+    photos_against_opencv<float>();
 }
 
 }  // namespace

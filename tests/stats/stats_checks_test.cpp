@@ -1,14 +1,17 @@
 // Argument checks of every statistics export, table driven: each member's
 // images, which of them are required, the order of its step checks and
-// the channel-of-interest check last. Every failing case runs through both
-// variants and must leave every image and output byte for byte unchanged.
+// the channel-of-interest check last. Every case runs through both
+// variants on every vector target; every failing one must leave every
+// image and output byte for byte unchanged.
 #include <memory>
 
 #include "stats_support.h"
 
 namespace {
 
-enum class Fam { Mean, MeanStdDev, MinMax, Norm, NormDiff, NormRel };
+using Fam = zst::Family;
+
+ZT_TARGET_SUITE(StatsChecks);
 
 // One argument: element size (sources), bytes (outputs), whether it has a
 // step and whether a null pointer is refused.
@@ -20,6 +23,7 @@ struct Arg {
 
 struct Member {
     std::string name;
+    const zst::Fn* fn;
     Fam fam;
     int ch, mask = -1;  // index of the mask argument
     std::vector<Arg> args;
@@ -30,24 +34,29 @@ constexpr int kW = 9, kH = 4;
 
 std::vector<Member> members() {
     std::vector<Member> v;
-    auto make = [&](std::string name, Fam fam, int elem, int ch, bool masked) {
-        Member m{std::move(name), fam, ch, -1, {}, {}};
+    for (const zst::Member& e : zst::members()) {
+        const Fam fam = e.id.fam;
+        const int elem = std::abs(e.id.elem), ch = e.id.ch;
+        const bool masked = e.id.masked;
+        Member m{e.name, &e.fn, fam, ch, -1, {}, {}};
         const bool two = fam == Fam::NormDiff || fam == Fam::NormRel;
         m.args.assign(two ? 2 : 1, {elem, true, true, 0});
         if (masked) m.mask = int(m.args.size()), m.args.push_back({1, true, true, 0});
-        if (fam == Fam::MeanStdDev) m.args.insert(m.args.end(), 2, {0, false, false, 8});
+        if (fam == Fam::MeanStdDev)
+            m.args.insert(m.args.end(), 2, {0, false, false, 8});
         else if (fam == Fam::MinMax)
             for (std::size_t b : {4, 4, 8, 8}) m.args.push_back({0, false, false, b});
-        else m.args.push_back({0, false, true, 8});
+        else
+            m.args.push_back({0, false, true, 8});
         const std::string all = masked ? (two ? "012" : "01") : "0";
-        if (fam >= Fam::Norm) m.groups = {">" + all, two ? "e01" : "e0"};
-        else if (elem == 2) m.groups = {">0", "e0", masked ? ">1" : ">"};
-        else m.groups = {">" + all, "e0"};
+        if (fam >= Fam::Norm)
+            m.groups = {">" + all, two ? "e01" : "e0"};
+        else if (elem == 2)
+            m.groups = {">0", "e0", masked ? ">1" : ">"};
+        else
+            m.groups = {">" + all, "e0"};
         v.push_back(m);
-    };
-#define ZT_MEMBER(name, fam, elem, ch, masked) make(#name, Fam::fam, elem, ch, masked);
-    ZT_STATS_MEMBERS(ZT_MEMBER)
-#undef ZT_MEMBER
+    }
     return v;
 }
 
@@ -79,12 +88,13 @@ zt::CallArgs good_args(const Member& m) {
 // Runs a case in both variants on fresh guarded blocks filled with a
 // pattern: the status, and no write at all when it is an error.
 void expect_case(const Member& m, zt::CallArgs a, ZebStatus want, const std::string& what) {
-    const zst::Fn& fn = zst::exports().at(m.name);
+    const zst::Fn& fn = *m.fn;
     for (int v = 0; v < 2; ++v) {
         std::vector<std::unique_ptr<zt::Guarded>> blocks;
         std::vector<std::vector<uint8_t>> before;
         for (std::size_t i = 0; i < m.args.size(); ++i) {
-            const std::size_t n = m.args[i].stepped ? std::size_t(row_bytes(m, i) + 64) * (kH + 1) : m.args[i].outBytes;
+            const std::size_t n =
+                m.args[i].stepped ? std::size_t(row_bytes(m, i) + 64) * (kH + 1) : m.args[i].outBytes;
             blocks.push_back(std::make_unique<zt::Guarded>(n));
             for (std::size_t b = 0; b < n; ++b) blocks.back()->data()[b] = uint8_t(b * 13 + 5);
             before.emplace_back(blocks.back()->data(), blocks.back()->data() + n);
@@ -105,7 +115,7 @@ void expect_case(const Member& m, zt::CallArgs a, ZebStatus want, const std::str
 
 // Null required pointers fail before anything else; optional outputs may be
 // null, all of them at once too, and the size is still checked then.
-TEST(StatsChecks, NullPointersComeFirst) {
+TEST_P(StatsChecks, NullPointersComeFirst) {
     for (const Member& m : members()) {
         zt::CallArgs none = good_args(m);
         for (std::size_t i = 0; i < m.args.size(); ++i) {
@@ -129,7 +139,7 @@ TEST(StatsChecks, NullPointersComeFirst) {
 
 // Bad sizes come before steps and channel; the channel of interest comes
 // last, and only three-channel forms check it.
-TEST(StatsChecks, SizeFirstChannelLast) {
+TEST_P(StatsChecks, SizeFirstChannelLast) {
     for (const Member& m : members()) {
         for (ZebiSize bad : {ZebiSize{0, kH}, ZebiSize{kW, 0}, ZebiSize{-3, kH}, ZebiSize{kW, -1}}) {
             zt::CallArgs a = good_args(m);
@@ -148,7 +158,7 @@ TEST(StatsChecks, SizeFirstChannelLast) {
 // Single bad steps, and every pair of a short step with an uneven one: the
 // pairs pin down the order of the groups. A bad channel of interest never
 // hides a step error.
-TEST(StatsChecks, StepOrder) {
+TEST_P(StatsChecks, StepOrder) {
     for (const Member& m : members()) {
         const std::size_t n = good_args(m).steps.size();
         for (std::size_t i = 0; i < n; ++i) {

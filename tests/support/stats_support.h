@@ -1,5 +1,6 @@
-// Helpers shared by the statistics suites: every export reachable by name,
-// masks, channel values, sweeps over every path and shape, bit comparison.
+// Helpers shared by the statistics suites: every export reachable through
+// its table entries, masks, channel values, shape sweeps, photographs,
+// bit comparison and error bounds of single-precision sums.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,28 +10,132 @@
 #include <functional>
 #include <map>
 #include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "call.h"
 #include "harness.h"
 
-// Every export of one type: X(name, family, element size, channels, masked).
-#define ZT_TYPE_MEMBERS(X, c, e)                                                                            \
-    X(zebiMean_##c##_C1MR, Mean, e, 1, 1) X(zebiMean_##c##_C3CMR, Mean, e, 3, 1)                            \
-    X(zebiMean_StdDev_##c##_C1R, MeanStdDev, e, 1, 0) X(zebiMean_StdDev_##c##_C1MR, MeanStdDev, e, 1, 1)    \
-    X(zebiMean_StdDev_##c##_C3CR, MeanStdDev, e, 3, 0) X(zebiMean_StdDev_##c##_C3CMR, MeanStdDev, e, 3, 1)  \
-    X(zebiMinMaxIndx_##c##_C1R, MinMax, e, 1, 0) X(zebiMinMaxIndx_##c##_C1MR, MinMax, e, 1, 1)              \
-    X(zebiMinMaxIndx_##c##_C3CR, MinMax, e, 3, 0) X(zebiMinMaxIndx_##c##_C3CMR, MinMax, e, 3, 1)            \
-    ZT_NORM_MEMBERS(X, c, e, Inf) ZT_NORM_MEMBERS(X, c, e, L1) ZT_NORM_MEMBERS(X, c, e, L2)
-#define ZT_NORM_MEMBERS(X, c, e, k)                                                                           \
-    X(zebiNorm_##k##_##c##_C1MR, Norm, e, 1, 1) X(zebiNorm_##k##_##c##_C3CMR, Norm, e, 3, 1)                  \
-    X(zebiNormDiff_##k##_##c##_C1MR, NormDiff, e, 1, 1) X(zebiNormDiff_##k##_##c##_C3CMR, NormDiff, e, 3, 1)  \
-    X(zebiNormRel_##k##_##c##_C1MR, NormRel, e, 1, 1) X(zebiNormRel_##k##_##c##_C3CMR, NormRel, e, 3, 1)
-#define ZT_STATS_MEMBERS(X) \
-    ZT_TYPE_MEMBERS(X, 8u, 1) ZT_TYPE_MEMBERS(X, 8s, 1) ZT_TYPE_MEMBERS(X, 16u, 2) ZT_TYPE_MEMBERS(X, 32f, 4)
+// Every statistics export: X(name, family, norm kind, source type,
+// channels, masked).
+#define ZT_STATS_MEMBERS(X)                                      \
+    X(zebiMean_8u_C1MR, Mean, None, Zeb8u, 1, 1)                 \
+    X(zebiMean_8u_C3CMR, Mean, None, Zeb8u, 3, 1)                \
+    X(zebiMean_StdDev_8u_C1R, MeanStdDev, None, Zeb8u, 1, 0)     \
+    X(zebiMean_StdDev_8u_C1MR, MeanStdDev, None, Zeb8u, 1, 1)    \
+    X(zebiMean_StdDev_8u_C3CR, MeanStdDev, None, Zeb8u, 3, 0)    \
+    X(zebiMean_StdDev_8u_C3CMR, MeanStdDev, None, Zeb8u, 3, 1)   \
+    X(zebiMinMaxIndx_8u_C1R, MinMax, None, Zeb8u, 1, 0)          \
+    X(zebiMinMaxIndx_8u_C1MR, MinMax, None, Zeb8u, 1, 1)         \
+    X(zebiMinMaxIndx_8u_C3CR, MinMax, None, Zeb8u, 3, 0)         \
+    X(zebiMinMaxIndx_8u_C3CMR, MinMax, None, Zeb8u, 3, 1)        \
+    X(zebiNorm_Inf_8u_C1MR, Norm, Inf, Zeb8u, 1, 1)              \
+    X(zebiNorm_Inf_8u_C3CMR, Norm, Inf, Zeb8u, 3, 1)             \
+    X(zebiNormDiff_Inf_8u_C1MR, NormDiff, Inf, Zeb8u, 1, 1)      \
+    X(zebiNormDiff_Inf_8u_C3CMR, NormDiff, Inf, Zeb8u, 3, 1)     \
+    X(zebiNormRel_Inf_8u_C1MR, NormRel, Inf, Zeb8u, 1, 1)        \
+    X(zebiNormRel_Inf_8u_C3CMR, NormRel, Inf, Zeb8u, 3, 1)       \
+    X(zebiNorm_L1_8u_C1MR, Norm, L1, Zeb8u, 1, 1)                \
+    X(zebiNorm_L1_8u_C3CMR, Norm, L1, Zeb8u, 3, 1)               \
+    X(zebiNormDiff_L1_8u_C1MR, NormDiff, L1, Zeb8u, 1, 1)        \
+    X(zebiNormDiff_L1_8u_C3CMR, NormDiff, L1, Zeb8u, 3, 1)       \
+    X(zebiNormRel_L1_8u_C1MR, NormRel, L1, Zeb8u, 1, 1)          \
+    X(zebiNormRel_L1_8u_C3CMR, NormRel, L1, Zeb8u, 3, 1)         \
+    X(zebiNorm_L2_8u_C1MR, Norm, L2, Zeb8u, 1, 1)                \
+    X(zebiNorm_L2_8u_C3CMR, Norm, L2, Zeb8u, 3, 1)               \
+    X(zebiNormDiff_L2_8u_C1MR, NormDiff, L2, Zeb8u, 1, 1)        \
+    X(zebiNormDiff_L2_8u_C3CMR, NormDiff, L2, Zeb8u, 3, 1)       \
+    X(zebiNormRel_L2_8u_C1MR, NormRel, L2, Zeb8u, 1, 1)          \
+    X(zebiNormRel_L2_8u_C3CMR, NormRel, L2, Zeb8u, 3, 1)         \
+    X(zebiMean_8s_C1MR, Mean, None, Zeb8s, 1, 1)                 \
+    X(zebiMean_8s_C3CMR, Mean, None, Zeb8s, 3, 1)                \
+    X(zebiMean_StdDev_8s_C1R, MeanStdDev, None, Zeb8s, 1, 0)     \
+    X(zebiMean_StdDev_8s_C1MR, MeanStdDev, None, Zeb8s, 1, 1)    \
+    X(zebiMean_StdDev_8s_C3CR, MeanStdDev, None, Zeb8s, 3, 0)    \
+    X(zebiMean_StdDev_8s_C3CMR, MeanStdDev, None, Zeb8s, 3, 1)   \
+    X(zebiMinMaxIndx_8s_C1R, MinMax, None, Zeb8s, 1, 0)          \
+    X(zebiMinMaxIndx_8s_C1MR, MinMax, None, Zeb8s, 1, 1)         \
+    X(zebiMinMaxIndx_8s_C3CR, MinMax, None, Zeb8s, 3, 0)         \
+    X(zebiMinMaxIndx_8s_C3CMR, MinMax, None, Zeb8s, 3, 1)        \
+    X(zebiNorm_Inf_8s_C1MR, Norm, Inf, Zeb8s, 1, 1)              \
+    X(zebiNorm_Inf_8s_C3CMR, Norm, Inf, Zeb8s, 3, 1)             \
+    X(zebiNormDiff_Inf_8s_C1MR, NormDiff, Inf, Zeb8s, 1, 1)      \
+    X(zebiNormDiff_Inf_8s_C3CMR, NormDiff, Inf, Zeb8s, 3, 1)     \
+    X(zebiNormRel_Inf_8s_C1MR, NormRel, Inf, Zeb8s, 1, 1)        \
+    X(zebiNormRel_Inf_8s_C3CMR, NormRel, Inf, Zeb8s, 3, 1)       \
+    X(zebiNorm_L1_8s_C1MR, Norm, L1, Zeb8s, 1, 1)                \
+    X(zebiNorm_L1_8s_C3CMR, Norm, L1, Zeb8s, 3, 1)               \
+    X(zebiNormDiff_L1_8s_C1MR, NormDiff, L1, Zeb8s, 1, 1)        \
+    X(zebiNormDiff_L1_8s_C3CMR, NormDiff, L1, Zeb8s, 3, 1)       \
+    X(zebiNormRel_L1_8s_C1MR, NormRel, L1, Zeb8s, 1, 1)          \
+    X(zebiNormRel_L1_8s_C3CMR, NormRel, L1, Zeb8s, 3, 1)         \
+    X(zebiNorm_L2_8s_C1MR, Norm, L2, Zeb8s, 1, 1)                \
+    X(zebiNorm_L2_8s_C3CMR, Norm, L2, Zeb8s, 3, 1)               \
+    X(zebiNormDiff_L2_8s_C1MR, NormDiff, L2, Zeb8s, 1, 1)        \
+    X(zebiNormDiff_L2_8s_C3CMR, NormDiff, L2, Zeb8s, 3, 1)       \
+    X(zebiNormRel_L2_8s_C1MR, NormRel, L2, Zeb8s, 1, 1)          \
+    X(zebiNormRel_L2_8s_C3CMR, NormRel, L2, Zeb8s, 3, 1)         \
+    X(zebiMean_16u_C1MR, Mean, None, Zeb16u, 1, 1)               \
+    X(zebiMean_16u_C3CMR, Mean, None, Zeb16u, 3, 1)              \
+    X(zebiMean_StdDev_16u_C1R, MeanStdDev, None, Zeb16u, 1, 0)   \
+    X(zebiMean_StdDev_16u_C1MR, MeanStdDev, None, Zeb16u, 1, 1)  \
+    X(zebiMean_StdDev_16u_C3CR, MeanStdDev, None, Zeb16u, 3, 0)  \
+    X(zebiMean_StdDev_16u_C3CMR, MeanStdDev, None, Zeb16u, 3, 1) \
+    X(zebiMinMaxIndx_16u_C1R, MinMax, None, Zeb16u, 1, 0)        \
+    X(zebiMinMaxIndx_16u_C1MR, MinMax, None, Zeb16u, 1, 1)       \
+    X(zebiMinMaxIndx_16u_C3CR, MinMax, None, Zeb16u, 3, 0)       \
+    X(zebiMinMaxIndx_16u_C3CMR, MinMax, None, Zeb16u, 3, 1)      \
+    X(zebiNorm_Inf_16u_C1MR, Norm, Inf, Zeb16u, 1, 1)            \
+    X(zebiNorm_Inf_16u_C3CMR, Norm, Inf, Zeb16u, 3, 1)           \
+    X(zebiNormDiff_Inf_16u_C1MR, NormDiff, Inf, Zeb16u, 1, 1)    \
+    X(zebiNormDiff_Inf_16u_C3CMR, NormDiff, Inf, Zeb16u, 3, 1)   \
+    X(zebiNormRel_Inf_16u_C1MR, NormRel, Inf, Zeb16u, 1, 1)      \
+    X(zebiNormRel_Inf_16u_C3CMR, NormRel, Inf, Zeb16u, 3, 1)     \
+    X(zebiNorm_L1_16u_C1MR, Norm, L1, Zeb16u, 1, 1)              \
+    X(zebiNorm_L1_16u_C3CMR, Norm, L1, Zeb16u, 3, 1)             \
+    X(zebiNormDiff_L1_16u_C1MR, NormDiff, L1, Zeb16u, 1, 1)      \
+    X(zebiNormDiff_L1_16u_C3CMR, NormDiff, L1, Zeb16u, 3, 1)     \
+    X(zebiNormRel_L1_16u_C1MR, NormRel, L1, Zeb16u, 1, 1)        \
+    X(zebiNormRel_L1_16u_C3CMR, NormRel, L1, Zeb16u, 3, 1)       \
+    X(zebiNorm_L2_16u_C1MR, Norm, L2, Zeb16u, 1, 1)              \
+    X(zebiNorm_L2_16u_C3CMR, Norm, L2, Zeb16u, 3, 1)             \
+    X(zebiNormDiff_L2_16u_C1MR, NormDiff, L2, Zeb16u, 1, 1)      \
+    X(zebiNormDiff_L2_16u_C3CMR, NormDiff, L2, Zeb16u, 3, 1)     \
+    X(zebiNormRel_L2_16u_C1MR, NormRel, L2, Zeb16u, 1, 1)        \
+    X(zebiNormRel_L2_16u_C3CMR, NormRel, L2, Zeb16u, 3, 1)       \
+    X(zebiMean_32f_C1MR, Mean, None, Zeb32f, 1, 1)               \
+    X(zebiMean_32f_C3CMR, Mean, None, Zeb32f, 3, 1)              \
+    X(zebiMean_StdDev_32f_C1R, MeanStdDev, None, Zeb32f, 1, 0)   \
+    X(zebiMean_StdDev_32f_C1MR, MeanStdDev, None, Zeb32f, 1, 1)  \
+    X(zebiMean_StdDev_32f_C3CR, MeanStdDev, None, Zeb32f, 3, 0)  \
+    X(zebiMean_StdDev_32f_C3CMR, MeanStdDev, None, Zeb32f, 3, 1) \
+    X(zebiMinMaxIndx_32f_C1R, MinMax, None, Zeb32f, 1, 0)        \
+    X(zebiMinMaxIndx_32f_C1MR, MinMax, None, Zeb32f, 1, 1)       \
+    X(zebiMinMaxIndx_32f_C3CR, MinMax, None, Zeb32f, 3, 0)       \
+    X(zebiMinMaxIndx_32f_C3CMR, MinMax, None, Zeb32f, 3, 1)      \
+    X(zebiNorm_Inf_32f_C1MR, Norm, Inf, Zeb32f, 1, 1)            \
+    X(zebiNorm_Inf_32f_C3CMR, Norm, Inf, Zeb32f, 3, 1)           \
+    X(zebiNormDiff_Inf_32f_C1MR, NormDiff, Inf, Zeb32f, 1, 1)    \
+    X(zebiNormDiff_Inf_32f_C3CMR, NormDiff, Inf, Zeb32f, 3, 1)   \
+    X(zebiNormRel_Inf_32f_C1MR, NormRel, Inf, Zeb32f, 1, 1)      \
+    X(zebiNormRel_Inf_32f_C3CMR, NormRel, Inf, Zeb32f, 3, 1)     \
+    X(zebiNorm_L1_32f_C1MR, Norm, L1, Zeb32f, 1, 1)              \
+    X(zebiNorm_L1_32f_C3CMR, Norm, L1, Zeb32f, 3, 1)             \
+    X(zebiNormDiff_L1_32f_C1MR, NormDiff, L1, Zeb32f, 1, 1)      \
+    X(zebiNormDiff_L1_32f_C3CMR, NormDiff, L1, Zeb32f, 3, 1)     \
+    X(zebiNormRel_L1_32f_C1MR, NormRel, L1, Zeb32f, 1, 1)        \
+    X(zebiNormRel_L1_32f_C3CMR, NormRel, L1, Zeb32f, 3, 1)       \
+    X(zebiNorm_L2_32f_C1MR, Norm, L2, Zeb32f, 1, 1)              \
+    X(zebiNorm_L2_32f_C3CMR, Norm, L2, Zeb32f, 3, 1)             \
+    X(zebiNormDiff_L2_32f_C1MR, NormDiff, L2, Zeb32f, 1, 1)      \
+    X(zebiNormDiff_L2_32f_C3CMR, NormDiff, L2, Zeb32f, 3, 1)     \
+    X(zebiNormRel_L2_32f_C1MR, NormRel, L2, Zeb32f, 1, 1)        \
+    X(zebiNormRel_L2_32f_C3CMR, NormRel, L2, Zeb32f, 3, 1)
 
-#define ZT_DECLARE(name, fam, elem, ch, masked) ZEB_TEST_TABLE(name);
+#define ZT_DECLARE(name, fam, kind, T, ch, masked) ZEB_TEST_TABLE(name);
 ZT_STATS_MEMBERS(ZT_DECLARE)
 #undef ZT_DECLARE
 
@@ -39,31 +144,57 @@ namespace zst {
 using zt::Image;
 using Fn = std::function<ZebStatus(int, const zt::CallArgs&)>;
 
-// Every export by name, called through variant v's table entry.
-inline const std::map<std::string, Fn>& exports() {
-    static const std::map<std::string, Fn> t = [] {
-        std::map<std::string, Fn> m;
-#define ZT_ENTRY(name, fam, elem, ch, masked) \
-    m[#name] = [](int v, const zt::CallArgs& a) { return zt::call(zeb_tbl_##name[v], a); };
+enum class Family { Mean, MeanStdDev, MinMax, Norm, NormDiff, NormRel };
+enum class Kind { None, Inf, L1, L2 };
+
+// An export's place in the member list.
+struct Id {
+    Family fam;
+    Kind kind;
+    int elem;  // 1 (8u), -1 (8s), 2 (16u), 4 (32f)
+    int ch;
+    bool masked;
+    auto key() const { return std::make_tuple(fam, kind, elem, ch, masked); }
+    bool operator<(const Id& o) const { return key() < o.key(); }
+};
+
+template <class T>
+constexpr int elem_code() {
+    return std::is_same_v<T, int8_t> ? -1 : int(sizeof(T));
+}
+
+struct Member {
+    const char* name;
+    Id id;
+    Fn fn;  // calls variant v's table entry
+};
+
+inline const std::vector<Member>& members() {
+    static const std::vector<Member> t = {
+#define ZT_ENTRY(name, fam, kind, T, ch, masked)                                                           \
+    {#name, {Family::fam, Kind::kind, elem_code<T>(), ch, masked != 0}, [](int v, const zt::CallArgs& a) { \
+         return zt::call(zeb_tbl_##name[v], a);                                                            \
+     }},
         ZT_STATS_MEMBERS(ZT_ENTRY)
 #undef ZT_ENTRY
-        return m;
-    }();
+    };
     return t;
 }
 
-template <class T>
-const char* tag() {
-    return std::is_same_v<T, uint8_t>    ? "8u"
-           : std::is_same_v<T, int8_t>   ? "8s"
-           : std::is_same_v<T, uint16_t> ? "16u"
-                                         : "32f";
+inline const Member& member(const Id& id) {
+    static const std::map<Id, const Member*> byId = [] {
+        std::map<Id, const Member*> m;
+        for (const Member& e : members()) m[e.id] = &e;
+        return m;
+    }();
+    return *byId.at(id);
 }
 
-// Calls prefix<type>_C1(M)R / _C3C(M)R on source a, second source b and
-// mask m (each skipped when null), then the outputs, with channel coi.
+// Calls the member of family f and kind k for T on source a, second source
+// b and mask m (each skipped when null), then the outputs, with channel
+// coi, through variant v.
 template <class T>
-ZebStatus run(const std::string& prefix, int v, const Image<T>& a, const Image<T>* b, const Image<uint8_t>* m,
+ZebStatus run(Family f, Kind k, int v, const Image<T>& a, const Image<T>* b, const Image<uint8_t>* m,
               std::vector<void*> outs, int coi = 1) {
     zt::CallArgs args;
     auto add = [&](const auto* im) {
@@ -73,8 +204,7 @@ ZebStatus run(const std::string& prefix, int v, const Image<T>& a, const Image<T
     args.ptrs.insert(args.ptrs.end(), outs.begin(), outs.end());
     args.roi = a.size();
     args.param = coi;
-    const std::string form = std::string(a.channels() == 3 ? "_C3C" : "_C1") + (m ? "MR" : "R");
-    return exports().at(prefix + tag<T>() + form)(v, args);
+    return member({f, k, elem_code<T>(), a.channels(), m != nullptr}).fn(v, args);
 }
 
 // A mask with runs of zeros and of non-zero values of every length; density
@@ -115,31 +245,89 @@ cv::Mat channel_mat(const Image<T>& img, int c) {
 
 inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, 8) == 0; }
 
-// Calls f(path) on every path, with its instruction set selected.
-template <class F>
-void each_path(F&& f) {
-    for (const zt::Path& p : zt::all_paths()) {
-        zt::TargetScope target(p.target);
-        f(p);
-    }
-}
-
-// Calls f(path, image, mask, description) for every path, width, pad, one
-// and three channels and a few heights, on random images with a mask.
+// Calls f(variant, image, mask, description) for both variants and every
+// width, pad, one and three channels and a few heights, on random images
+// with a mask (the fixture has selected the vector target).
 template <class T, class F>
 void sweep_images(F&& f) {
-    each_path([&](const zt::Path& p) {
-        for (int w : zt::test_widths())
-            for (int pad : zt::test_pads(sizeof(T)))
-                for (int ch : {1, 3})
-                    for (int h : {1, 2, 5}) {
-                        Image<T> s(w, h, ch, pad);
-                        Image<uint8_t> m(w, h, 1, pad % 3 + 1);
-                        fill_mask(m);
-                        f(p, s, m, "w=" + std::to_string(w) + " h=" + std::to_string(h) +
-                                       " pad=" + std::to_string(pad) + " ch=" + std::to_string(ch));
-                    }
-    });
+    for (int w : zt::test_widths())
+        for (int pad : zt::test_pads(sizeof(T)))
+            for (int ch : {1, 3})
+                for (int h : {1, 2, 5}) {
+                    Image<T> s(w, h, ch, pad);
+                    Image<uint8_t> m(w, h, 1, pad % 3 + 1);
+                    fill_mask(m);
+                    const std::string what = "w=" + std::to_string(w) + " h=" + std::to_string(h) +
+                                             " pad=" + std::to_string(pad) + " ch=" + std::to_string(ch);
+                    for (int v = 0; v < 2; ++v) f(v, s, m, what + " variant " + std::to_string(v));
+                }
+}
+
+// ---- photographs ----
+
+inline std::string photo_path(const char* name) {
+    return std::string("/usr/share/doc/opencv-doc/examples/data/") + name;
+}
+
+// The sample photographs the suites run on.
+inline const std::vector<const char*>& photo_names() {
+    static const std::vector<const char*> n = {"baboon.jpg", "fruits.jpg", "building.jpg", "home.jpg"};
+    return n;
+}
+
+// A photograph as a guarded image of T with ch channels (colour as stored,
+// or grey): 8u as decoded, 8s shifted by -128, 16u scaled by 257, 32f
+// scaled to [-1, 1] with a fine ramp added so that values are not all
+// multiples of one step.
+template <class T>
+Image<T> photo(const char* name, int ch) {
+    cv::Mat src = cv::imread(photo_path(name), ch == 3 ? cv::IMREAD_COLOR : cv::IMREAD_GRAYSCALE);
+    if (src.empty()) {
+        ADD_FAILURE() << "cannot read " << photo_path(name);
+        src = cv::Mat(1, 1, CV_8UC(ch), cv::Scalar::all(0));
+    }
+    Image<T> img(src.cols, src.rows, ch, 3 * int(sizeof(T)));
+    for (int y = 0; y < src.rows; ++y)
+        for (int x = 0; x < src.cols * ch; ++x) {
+            const int v = src.ptr<uint8_t>(y)[x];
+            if constexpr (std::is_same_v<T, int8_t>)
+                img.row(y)[x] = int8_t(v - 128);
+            else if constexpr (std::is_same_v<T, uint16_t>)
+                img.row(y)[x] = uint16_t(v * 257);
+            else if constexpr (std::is_same_v<T, float>)
+                img.row(y)[x] = float(v) / 127.5f - 1.f + float(x % 7) * 1e-4f;
+            else
+                img.row(y)[x] = uint8_t(v);
+        }
+    return img;
+}
+
+// A mask from another photograph: its grey values above 110, resized to
+// w x h (irregular regions, as masks are in practice).
+inline Image<uint8_t> photo_mask(const char* name, int w, int h) {
+    cv::Mat g = cv::imread(photo_path(name), cv::IMREAD_GRAYSCALE), r;
+    if (g.empty()) {
+        ADD_FAILURE() << "cannot read " << photo_path(name);
+        g = cv::Mat(1, 1, CV_8U, cv::Scalar(0));
+    }
+    cv::resize(g, r, cv::Size(w, h), 0, 0, cv::INTER_NEAREST);
+    Image<uint8_t> m(w, h, 1, 5);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) m.at(x, y) = r.at<uint8_t>(y, x) > 110 ? r.at<uint8_t>(y, x) : 0;
+    return m;
+}
+
+// ---- error bounds of single-precision sums ----
+
+// Unit roundoff of single precision.
+inline constexpr long double kUnitF = 1.0L / 16777216.0L;
+
+// Forward error bound of a sum of terms whose absolute values add up to
+// sumAbs, accumulated in single precision in chains of at most chain
+// additions each, plus `extra` further roundings on every term (forming
+// the term, folding lanes): (chain + extra) * u * sumAbs.
+inline long double float_sum_bound(long double chain, long double extra, long double sumAbs) {
+    return (chain + extra) * kUnitF * sumAbs;
 }
 
 }  // namespace zst
