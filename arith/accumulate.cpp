@@ -20,6 +20,10 @@ namespace {
 
 using accum::Images;
 
+// The longest run of pixels processed as one row; far from the int limit,
+// so no index of the row loop can overflow.
+constexpr int64_t kMaxRun = int64_t(1) << 30;
+
 // Step checks. For 16-bit sources each group of images is checked
 // completely (length, then multiple of 2) before the mask and accumulator;
 // otherwise every length is checked before any multiple.
@@ -36,6 +40,18 @@ ZebStatus check_steps(const Images<T>& a, int w) {
     }
 }
 
+// Images whose rows follow one another without padding are processed as
+// one long row: one row loop, one head and one tail for the whole image.
+// Results do not depend on how the pixels are split into rows.
+template <class T, bool kTwo, bool kMask>
+ZebiSize as_run(const Images<T>& a, ZebiSize roi) {
+    const int64_t n = int64_t(roi.width) * roi.height;
+    const int32_t w = roi.width, tb = int32_t(sizeof(T)) * w;
+    const bool packed = a.s1Step == tb && (!kTwo || a.s2Step == tb) && (!kMask || a.maskStep == w) &&
+                        a.inStep == 4 * w && a.outStep == 4 * w;
+    return packed && n <= kMaxRun ? ZebiSize{int32_t(n), 1} : roi;
+}
+
 // Checks, then runs the cached or streaming kernel. kWorkingSet is the
 // member's bytes-per-pixel figure; 0 means the member always uses cached
 // stores (and has no streaming kernel).
@@ -44,13 +60,14 @@ ZebStatus accumulate(const Images<T>& a, ZebiSize roi, float alpha) {
     if (any_null(a.s1, a.out) || (kTwo && !a.s2) || (kMask && !a.mask)) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
     if (ZebStatus s = check_steps<T, kTwo, kMask>(a, roi.width)) return s;
+    const ZebiSize run = as_run<T, kTwo, kMask>(a, roi);
     if constexpr (kWorkingSet > 0) {
         if (use_streaming(roi, kWorkingSet)) {
-            ZEB_DISPATCH(accum::image<Op, T, kTwo, kMask, Store::Stream>)(a, roi.width, roi.height, alpha);
+            ZEB_DISPATCH(accum::image<Op, T, kTwo, kMask, Store::Stream>)(a, run.width, run.height, alpha);
             return zebStsNoErr;
         }
     }
-    ZEB_DISPATCH(accum::image<Op, T, kTwo, kMask, Store::Cached>)(a, roi.width, roi.height, alpha);
+    ZEB_DISPATCH(accum::image<Op, T, kTwo, kMask, Store::Cached>)(a, run.width, run.height, alpha);
     return zebStsNoErr;
 }
 
@@ -149,7 +166,8 @@ ZebStatus zebiAddWeighted_32f_C1R(const Zeb32f* s1, int st1, const Zeb32f* s2, i
     const StepReq r1 = req<float>(st1, roi.width), r2 = req<float>(st2, roi.width), rd = req<float>(ds, roi.width);
     if (ZebStatus s = first_error({min_steps({r1, r2, rd}), even_steps({r1, r2, rd})})) return s;
     const Images<Zeb32f> a{s1, st1, nullptr, 0, nullptr, 0, s2, st2, dst, ds};
-    ZEB_DISPATCH(accum::image<ref::Weighted, Zeb32f, false, false, Store::Cached>)(a, roi.width, roi.height, alpha);
+    const ZebiSize run = as_run<Zeb32f, false, false>(a, roi);
+    ZEB_DISPATCH(accum::image<ref::Weighted, Zeb32f, false, false, Store::Cached>)(a, run.width, run.height, alpha);
     return zebStsNoErr;
 }
 
