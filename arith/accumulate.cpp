@@ -1,40 +1,34 @@
 // Accumulation into a single-precision image: Add, AddSquare, AddProduct,
 // AddWeighted, each plain (IR) and masked (IMR), plus the two-source
 // weighted sum AddWeighted_32f_C1R.
-#include <type_traits>
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "arith/accumulate_kernels.inl"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
 
+#include "arith/accumulate_kernels.inl"
+
+#if HWY_ONCE
+#include "arith/accumulate_args.h"
 #include "arith/arith_ref.h"
 #include "core/checks.h"
 #include "core/dispatch.h"
-#include "core/row_driver.h"
+#include "core/simd_dispatch.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
-// The images of one call. For the in-place forms in and out are the
-// accumulator; the two-source weighted sum reads in from its second source.
-template <class T>
-struct AccumArgs {
-    const T* s1;
-    int s1Step;
-    const T* s2;
-    int s2Step;
-    const uint8_t* mask;
-    int maskStep;
-    const float* in;
-    int inStep;
-    float* out;
-    int outStep;
-};
+using accum::Images;
 
-#define ZEB_KERNELS "arith/accumulate_kernels.inl"
-#include "core/isa_expand.h"
+// The longest run of pixels processed as one row; far from the int limit,
+// so no index of the row loop can overflow.
+constexpr int64_t kMaxRun = int64_t(1) << 30;
 
 // Step checks. For 16-bit sources each group of images is checked
 // completely (length, then multiple of 2) before the mask and accumulator;
 // otherwise every length is checked before any multiple.
 template <class T, bool kTwo, bool kMask>
-ZebStatus check_steps(const AccumArgs<T>& a, int w) {
+ZebStatus check_steps(const Images<T>& a, int w) {
     const StepReq s1 = req<T>(a.s1Step, w);
     const StepReq s2 = kTwo ? req<T>(a.s2Step, w) : s1;
     const StepReq m = kMask ? req<uint8_t>(a.maskStep, w) : s1;
@@ -46,44 +40,52 @@ ZebStatus check_steps(const AccumArgs<T>& a, int w) {
     }
 }
 
-// Checks, then runs the cached or streaming kernel of the fastest path.
-// workingSet is the member's bytes-per-pixel figure; 0 means the member
-// always uses cached stores.
-template <class Op, class T, bool kTwo, bool kMask>
-ZebStatus accumulate(const AccumArgs<T>& a, ZebiSize roi, float alpha, int workingSet) {
+// Images whose rows follow one another without padding are processed as
+// one long row: one row loop, one head and one tail for the whole image.
+// Results do not depend on how the pixels are split into rows.
+template <class T, bool kTwo, bool kMask>
+ZebiSize as_run(const Images<T>& a, ZebiSize roi) {
+    const int64_t n = int64_t(roi.width) * roi.height;
+    const int32_t w = roi.width, tb = int32_t(sizeof(T)) * w;
+    const bool packed = a.s1Step == tb && (!kTwo || a.s2Step == tb) && (!kMask || a.maskStep == w) &&
+                        a.inStep == 4 * w && a.outStep == 4 * w;
+    return packed && n <= kMaxRun ? ZebiSize{int32_t(n), 1} : roi;
+}
+
+// Checks, then runs the cached or streaming kernel. kWorkingSet is the
+// member's bytes-per-pixel figure; 0 means the member always uses cached
+// stores (and has no streaming kernel).
+template <class Op, class T, bool kTwo, bool kMask, int kWorkingSet>
+ZebStatus accumulate(const Images<T>& a, ZebiSize roi, float alpha) {
     if (any_null(a.s1, a.out) || (kTwo && !a.s2) || (kMask && !a.mask)) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
     if (ZebStatus s = check_steps<T, kTwo, kMask>(a, roi.width)) return s;
-    const bool stream = workingSet > 0 && use_streaming(roi, workingSet);
-    if (use_avx2()) {
-        if (stream)
-            avx2::accumulate_image<Op, T, kTwo, kMask, Store::Stream>(a, roi, alpha);
-        else
-            avx2::accumulate_image<Op, T, kTwo, kMask, Store::Cached>(a, roi, alpha);
-    } else {
-        if (stream)
-            ssse3::accumulate_image<Op, T, kTwo, kMask, Store::Stream>(a, roi, alpha);
-        else
-            ssse3::accumulate_image<Op, T, kTwo, kMask, Store::Cached>(a, roi, alpha);
+    const ZebiSize run = as_run<T, kTwo, kMask>(a, roi);
+    if constexpr (kWorkingSet > 0) {
+        if (use_streaming(roi, kWorkingSet)) {
+            ZEB_DISPATCH(accum::image<Op, T, kTwo, kMask, Store::Stream>)(a, run.width, run.height, alpha);
+            return zebStsNoErr;
+        }
     }
+    ZEB_DISPATCH(accum::image<Op, T, kTwo, kMask, Store::Cached>)(a, run.width, run.height, alpha);
     return zebStsNoErr;
 }
 
 // Argument packing of the export forms.
 template <class T>
-AccumArgs<T> one(const T* s, int ss, Zeb32f* acc, int as) {
+Images<T> one(const T* s, int ss, Zeb32f* acc, int as) {
     return {s, ss, nullptr, 0, nullptr, 0, acc, as, acc, as};
 }
 template <class T>
-AccumArgs<T> one_m(const T* s, int ss, const Zeb8u* m, int ms, Zeb32f* acc, int as) {
+Images<T> one_m(const T* s, int ss, const Zeb8u* m, int ms, Zeb32f* acc, int as) {
     return {s, ss, nullptr, 0, m, ms, acc, as, acc, as};
 }
 template <class T>
-AccumArgs<T> two(const T* s1, int st1, const T* s2, int st2, Zeb32f* acc, int as) {
+Images<T> two(const T* s1, int st1, const T* s2, int st2, Zeb32f* acc, int as) {
     return {s1, st1, s2, st2, nullptr, 0, acc, as, acc, as};
 }
 template <class T>
-AccumArgs<T> two_m(const T* s1, int st1, const T* s2, int st2, const Zeb8u* m, int ms, Zeb32f* acc, int as) {
+Images<T> two_m(const T* s1, int st1, const T* s2, int st2, const Zeb8u* m, int ms, Zeb32f* acc, int as) {
     return {s1, st1, s2, st2, m, ms, acc, as, acc, as};
 }
 
@@ -93,11 +95,11 @@ AccumArgs<T> two_m(const T* s1, int st1, const T* s2, int st2, const Zeb8u* m, i
 // images taking part and the member's working-set figure.
 #define ZEB_ACC_IR(name, Op, T)                                                      \
     ZebStatus name(const T* s, int ss, Zeb32f* acc, int as, ZebiSize roi) {          \
-        return accumulate<ref::Op, T, false, false>(one(s, ss, acc, as), roi, 0.f, 0); \
+        return accumulate<ref::Op, T, false, false, 0>(one(s, ss, acc, as), roi, 0.f); \
     }
 #define ZEB_ACC_IMR(name, Op, T, ws)                                                               \
     ZebStatus name(const T* s, int ss, const Zeb8u* m, int ms, Zeb32f* acc, int as, ZebiSize roi) { \
-        return accumulate<ref::Op, T, false, true>(one_m(s, ss, m, ms, acc, as), roi, 0.f, ws);    \
+        return accumulate<ref::Op, T, false, true, ws>(one_m(s, ss, m, ms, acc, as), roi, 0.f);    \
     }
 
 ZEB_ACC_IR(zebiAdd_8u32f_C1IR, Add, Zeb8u)
@@ -119,12 +121,12 @@ ZEB_ACC_IMR(zebiAddSquare_32f_C1IMR, Square, Zeb32f, 12)
 
 #define ZEB_PROD_IR(name, T)                                                                     \
     ZebStatus name(const T* s1, int st1, const T* s2, int st2, Zeb32f* acc, int as, ZebiSize roi) { \
-        return accumulate<ref::Product, T, true, false>(two(s1, st1, s2, st2, acc, as), roi, 0.f, 0); \
+        return accumulate<ref::Product, T, true, false, 0>(two(s1, st1, s2, st2, acc, as), roi, 0.f); \
     }
 #define ZEB_PROD_IMR(name, T, ws)                                                                 \
     ZebStatus name(const T* s1, int st1, const T* s2, int st2, const Zeb8u* m, int ms, Zeb32f* acc, \
                    int as, ZebiSize roi) {                                                         \
-        return accumulate<ref::Product, T, true, true>(two_m(s1, st1, s2, st2, m, ms, acc, as), roi, 0.f, ws); \
+        return accumulate<ref::Product, T, true, true, ws>(two_m(s1, st1, s2, st2, m, ms, acc, as), roi, 0.f); \
     }
 
 ZEB_PROD_IR(zebiAddProduct_8u32f_C1IR, Zeb8u)
@@ -138,12 +140,12 @@ ZEB_PROD_IMR(zebiAddProduct_32f_C1IMR, Zeb32f, 13)
 
 #define ZEB_WEIGHTED_IR(name, T)                                                               \
     ZebStatus name(const T* s, int ss, Zeb32f* acc, int as, ZebiSize roi, Zeb32f alpha) {      \
-        return accumulate<ref::Weighted, T, false, false>(one(s, ss, acc, as), roi, alpha, 0); \
+        return accumulate<ref::Weighted, T, false, false, 0>(one(s, ss, acc, as), roi, alpha); \
     }
 #define ZEB_WEIGHTED_IMR(name, T, ws)                                                            \
     ZebStatus name(const T* s, int ss, const Zeb8u* m, int ms, Zeb32f* acc, int as, ZebiSize roi, \
                    Zeb32f alpha) {                                                               \
-        return accumulate<ref::Weighted, T, false, true>(one_m(s, ss, m, ms, acc, as), roi, alpha, ws); \
+        return accumulate<ref::Weighted, T, false, true, ws>(one_m(s, ss, m, ms, acc, as), roi, alpha); \
     }
 
 ZEB_WEIGHTED_IR(zebiAddWeighted_8u32f_C1IR, Zeb8u)
@@ -163,15 +165,13 @@ ZebStatus zebiAddWeighted_32f_C1R(const Zeb32f* s1, int st1, const Zeb32f* s2, i
     if (bad_roi(roi)) return zebStsSizeErr;
     const StepReq r1 = req<float>(st1, roi.width), r2 = req<float>(st2, roi.width), rd = req<float>(ds, roi.width);
     if (ZebStatus s = first_error({min_steps({r1, r2, rd}), even_steps({r1, r2, rd})})) return s;
-    const AccumArgs<Zeb32f> a{s1, st1, nullptr, 0, nullptr, 0, s2, st2, dst, ds};
-    if (use_avx2())
-        avx2::accumulate_image<ref::Weighted, Zeb32f, false, false, Store::Cached>(a, roi, alpha);
-    else
-        ssse3::accumulate_image<ref::Weighted, Zeb32f, false, false, Store::Cached>(a, roi, alpha);
+    const Images<Zeb32f> a{s1, st1, nullptr, 0, nullptr, 0, s2, st2, dst, ds};
+    const ZebiSize run = as_run<Zeb32f, false, false>(a, roi);
+    ZEB_DISPATCH(accum::image<ref::Weighted, Zeb32f, false, false, Store::Cached>)(a, run.width, run.height, alpha);
     return zebStsNoErr;
 }
 
-}  // namespace zeb::ZEB_VNS
+}  // namespace zeb::impl
 
 ZEB_EXPORT(zebiAdd_8u32f_C1IR);
 ZEB_EXPORT(zebiAdd_8s32f_C1IR);
@@ -205,3 +205,4 @@ ZEB_EXPORT(zebiAddWeighted_8s32f_C1IMR);
 ZEB_EXPORT(zebiAddWeighted_16u32f_C1IMR);
 ZEB_EXPORT(zebiAddWeighted_32f_C1IMR);
 ZEB_EXPORT(zebiAddWeighted_32f_C1R);
+#endif  // HWY_ONCE

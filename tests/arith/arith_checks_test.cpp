@@ -1,7 +1,7 @@
 // Argument checks of the difference and accumulation exports, table driven
 // from the member list: null pointers, then sizes, then the member's step
-// groups in order. Every case runs through both variants; a failing call
-// must leave every image byte for byte as it was.
+// groups in order. Every case runs through both variants on every vector
+// target; a failing call must leave every image byte for byte as it was.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -66,6 +66,8 @@ void expect_case(const Member& m, zt::CallArgs a, ZebStatus want, const std::str
     }
 }
 
+ZT_TARGET_SUITE(ArithChecks);
+
 zt::CallArgs valid(const Member& m) {
     zt::CallArgs a;
     for (std::size_t i = 0; i < m.elems.size(); ++i) {
@@ -76,7 +78,7 @@ zt::CallArgs valid(const Member& m) {
     return a;
 }
 
-TEST(ArithChecks, NullPointersThenSizes) {
+TEST_P(ArithChecks, NullPointersThenSizes) {
     for (const Member& m : members()) {
         for (std::size_t i = 0; i < m.elems.size(); ++i) {
             zt::CallArgs a = valid(m);
@@ -97,7 +99,7 @@ TEST(ArithChecks, NullPointersThenSizes) {
 // Single short or uneven steps, and every pair of a short step with an
 // uneven one: the pairs pin down the order of the groups (a 16-bit source
 // is checked completely before the mask and accumulator, for example).
-TEST(ArithChecks, StepOrder) {
+TEST_P(ArithChecks, StepOrder) {
     for (const Member& m : members()) {
         const std::size_t n = m.elems.size();
         for (std::size_t i = 0; i < n; ++i) {
@@ -119,7 +121,7 @@ TEST(ArithChecks, StepOrder) {
 }
 
 // The oracle itself must reflect the documented examples.
-TEST(ArithChecks, DocumentedOrderExamples) {
+TEST(ArithCheckOracle, DocumentedOrderExamples) {
     const auto ms = members();
     auto find = [&](const char* n) { return *std::find_if(ms.begin(), ms.end(), [&](const Member& m) { return m.name == n; }); };
     EXPECT_EQ(expected_for(find("zebiAdd_16u32f_C1IR"), {kW * 2 + 1, kW * 4 - 4}), zebStsNotEvenStepErr);
