@@ -162,3 +162,96 @@ HWY_INLINE auto AddSquaresU32(V32 v, hn::Vec<hn::RepartitionToWide<hn::DFromV<V3
 HWY_AFTER_NAMESPACE();
 
 #endif  // ZEB_CORE_SIMD_INL_H_
+
+// ---- Neighbouring lanes across vector boundaries ----
+// Sliding-window kernels keep three consecutive vectors of a row (prev,
+// cur, next) and form the row shifted by a few lanes from them instead of
+// loading it again at an unaligned offset. Compiled per target.
+#if defined(ZEB_CORE_SIMD_INL_NEIGHBOURS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_CORE_SIMD_INL_NEIGHBOURS_
+#undef ZEB_CORE_SIMD_INL_NEIGHBOURS_
+#else
+#define ZEB_CORE_SIMD_INL_NEIGHBOURS_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE {
+
+// The 16-byte blocks of cur moved up by one block, the lowest block taken
+// from the top block of prev (full vectors only).
+template <class D>
+HWY_INLINE hn::Vec<D> BlockBefore(D d, hn::Vec<D> cur, hn::Vec<D> prev) {
+    constexpr size_t kBytes = hn::MaxLanes(D()) * sizeof(hn::TFromD<D>);
+    if constexpr (kBytes == 16) {
+        return prev;
+    } else if constexpr (kBytes == 32) {
+        return hn::ConcatLowerUpper(d, cur, prev);
+    } else {
+#if HWY_TARGET == HWY_AVX3
+        const hn::Repartition<uint64_t, D> d64;
+        using V64 = hn::Vec<decltype(d64)>;
+        return hn::BitCast(d, V64{_mm512_alignr_epi64(hn::BitCast(d64, cur).raw, hn::BitCast(d64, prev).raw, 6)});
+#else
+        static_assert(kBytes <= 32, "no block shift for this vector size");
+        return cur;
+#endif
+    }
+}
+
+// The blocks of cur moved down by one block, the highest block taken from
+// the lowest block of next.
+template <class D>
+HWY_INLINE hn::Vec<D> BlockAfter(D d, hn::Vec<D> cur, hn::Vec<D> next) {
+    constexpr size_t kBytes = hn::MaxLanes(D()) * sizeof(hn::TFromD<D>);
+    if constexpr (kBytes == 16) {
+        return next;
+    } else if constexpr (kBytes == 32) {
+        return hn::ConcatLowerUpper(d, next, cur);
+    } else {
+#if HWY_TARGET == HWY_AVX3
+        const hn::Repartition<uint64_t, D> d64;
+        using V64 = hn::Vec<decltype(d64)>;
+        return hn::BitCast(d, V64{_mm512_alignr_epi64(hn::BitCast(d64, next).raw, hn::BitCast(d64, cur).raw, 2)});
+#else
+        static_assert(kBytes <= 32, "no block shift for this vector size");
+        return cur;
+#endif
+    }
+}
+
+// Lane i is cur[i - k]; the k lowest lanes are the k highest of prev: the
+// row read k elements earlier (0 < k, k * lane size < 16).
+template <int k, class D>
+HWY_INLINE hn::Vec<D> ShiftInPrev(D d, hn::Vec<D> cur, hn::Vec<D> prev) {
+    using T = hn::TFromD<D>;
+    static_assert(k > 0 && k * sizeof(T) < 16, "shift within one block");
+#if HWY_TARGET == HWY_AVX3
+    if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) == 16) {
+        const hn::Repartition<uint32_t, D> d32;
+        using V32 = hn::Vec<decltype(d32)>;
+        return hn::BitCast(d, V32{_mm512_alignr_epi32(hn::BitCast(d32, cur).raw, hn::BitCast(d32, prev).raw, 16 - k)});
+    }
+#endif
+    return hn::CombineShiftRightBytes<16 - k * sizeof(T)>(d, cur, BlockBefore(d, cur, prev));
+}
+
+// Lane i is cur[i + k]; the k highest lanes are the k lowest of next: the
+// row read k elements later.
+template <int k, class D>
+HWY_INLINE hn::Vec<D> ShiftInNext(D d, hn::Vec<D> cur, hn::Vec<D> next) {
+    using T = hn::TFromD<D>;
+    static_assert(k > 0 && k * sizeof(T) < 16, "shift within one block");
+#if HWY_TARGET == HWY_AVX3
+    if constexpr (sizeof(T) == 4 && hn::MaxLanes(D()) == 16) {
+        const hn::Repartition<uint32_t, D> d32;
+        using V32 = hn::Vec<decltype(d32)>;
+        return hn::BitCast(d, V32{_mm512_alignr_epi32(hn::BitCast(d32, next).raw, hn::BitCast(d32, cur).raw, k)});
+    }
+#endif
+    return hn::CombineShiftRightBytes<k * sizeof(T)>(d, BlockAfter(d, cur, next), cur);
+}
+
+}  // namespace zeb::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_CORE_SIMD_INL_NEIGHBOURS_

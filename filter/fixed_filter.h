@@ -1,6 +1,6 @@
 // The engine behind the fixed 3x3 and 5x5 filters (Sobel, Scharr,
 // Laplacian, lowpass): kernel descriptors, argument checks, work-buffer
-// sizes and the choice of instruction-set path.
+// sizes and the entry into the vector kernels (filter/fixed_filter.cpp).
 //
 // A filter is one or two separable terms. Each term has a column table
 // (applied in order of increasing y) and a row table (applied mirrored:
@@ -13,16 +13,14 @@
 // added in order. Zero coefficients are skipped; the first product starts
 // the sum. Integer forms compute exact sums (8-bit input never leaves the
 // 16-bit range in any of these kernels), float forms round each operation
-// in this fixed order in every path.
+// in this fixed order in every path (filter/fixed_filter_ref.h).
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
 #include "core/border.h"
 #include "core/checks.h"
-#include "core/dispatch.h"
-#include "core/row_driver.h"
+#include "core/frame.h"
 #include "filter/pipeline_sizes.h"
 
 namespace zeb::fixed {
@@ -103,18 +101,9 @@ struct MeanMagic {
             if (((v * mul) >> (16 + shift)) != v / kCount) return false;
         return true;
     }
+    static_assert(mul < 65536u, "the multiplier must fit an unsigned 16-bit lane");
     static_assert(exact(), "the multiply-high division must be exact over the whole range");
 };
-
-// 8u8s result: sum / divisor rounded half away from zero, saturated
-// symmetrically so that negating the sum negates the result.
-inline int8_t div_round_8s(int32_t s, int32_t d) {
-    const int64_t a = s < 0 ? -int64_t(s) : int64_t(s);
-    const int64_t ad = d < 0 ? -int64_t(d) : int64_t(d);
-    int64_t q = (a + ad / 2) / ad;
-    if (q > 127) q = 127;
-    return int8_t(((s < 0) != (d < 0)) ? -q : q);
-}
 
 // Border argument: mode 0..4 or 6 in the low four bits, and any bit of
 // 0xfff0 only together with at least one of the four side flags.
@@ -131,13 +120,15 @@ inline int taps_of(int32_t maskSize) { return maskSize == 33 ? 3 : maskSize == 5
 
 enum class SizeKind { Sobel8u8s, Sobel8u16s, Sobel32f, Lowpass32f, Laplacian8u, Laplacian32f };
 
-// Bytes for the filters of a kind, or -1 when the figure does not fit.
+// Bytes for the filters of a kind, in 64 bits: every term is exact for any
+// int width, so an oversized figure is reported, never wrapped.
 inline int64_t buffer_bytes(SizeKind kind, int32_t w, int k) {
     namespace ps = pipeline_size;
     const int64_t w16 = (int64_t(w) + 15) / 16 * 16;
     const int64_t rows = k == 3 ? 21 : 25, ctl = k == 3 ? 72 : 120;
-    const int64_t row8 = ps::row_8u16s_c1(k), col16 = 12 * ((int64_t(w) + 3) / 4 * 4) + 64;
-    const int64_t rowf = ps::row_32f_c1(k), colf = ps::col_float_or_16u();
+    // The 16s column pass: 12 * roundup4(w) + 64.
+    const int64_t row8 = int64_t(ps::row_8u16s_c1(k)), col16 = 12 * ((int64_t(w) + 3) / 4 * 4) + 64;
+    const int64_t rowf = int64_t(ps::row_32f_c1(k)), colf = int64_t(ps::col_float_or_16u());
     switch (kind) {
         case SizeKind::Sobel8u8s: return 2 * w16 * rows + ctl + 304 + row8 + col16;
         case SizeKind::Sobel8u16s: return 2 * w16 * rows + ctl + 368 + row8 + col16;
@@ -155,19 +146,13 @@ enum class ScharrKind { Small8u, Vert8u16s, Float };
 inline int64_t scharr_bytes(ScharrKind kind, int32_t w) {
     namespace ps = pipeline_size;
     const int64_t w16 = (int64_t(w) + 15) / 16 * 16;
-    const int64_t col16 = 12 * ((int64_t(w) + 3) / 4 * 4) + 64;
+    const int64_t row8 = int64_t(ps::row_8u16s_c1(3)), col16 = 12 * ((int64_t(w) + 3) / 4 * 4) + 64;
     switch (kind) {
-        case ScharrKind::Small8u: return 42 * w16 + 376 + ps::row_8u16s_c1(3) + col16;
-        case ScharrKind::Vert8u16s: return 42 * w16 + 440 + ps::row_8u16s_c1(3) + col16;
-        case ScharrKind::Float: return 84 * w16 + 440 + ps::row_32f_c1(3) + ps::col_float_or_16u();
+        case ScharrKind::Small8u: return 42 * w16 + 376 + row8 + col16;
+        case ScharrKind::Vert8u16s: return 42 * w16 + 440 + row8 + col16;
+        case ScharrKind::Float: return 84 * w16 + 440 + int64_t(ps::row_32f_c1(3)) + int64_t(ps::col_float_or_16u());
     }
     return -1;
-}
-
-inline ZebStatus put_size(int64_t bytes, int* out) {
-    if (bytes < 0 || bytes > INT32_MAX) return zebStsSizeErr;
-    *out = int(bytes);
-    return zebStsNoErr;
 }
 
 // The GetBufferSize checks: output pointer, size, then mask size.
@@ -185,11 +170,7 @@ inline ZebStatus query_scharr(ZebiSize roi, int* out, ScharrKind kind) {
     return put_size(scharr_bytes(kind, roi.width), out);
 }
 
-}  // namespace zeb::fixed
-
-namespace zeb::ZEB_VNS::fixed {
-
-using namespace zeb::fixed;
+// ---- the filter run ----
 
 // One call's images and work arrays, as the kernels see them.
 template <class S, class Dst>
@@ -205,27 +186,15 @@ struct Job {
     unsigned char* buffer;  // already aligned
 };
 
-#define ZEB_KERNELS "filter/fixed_filter_kernels.inl"
-#include "core/isa_expand.h"
+// Runs filter D3 (k = 3) or D5 (k = 5) with output rule O over the job on
+// the chosen vector target, with streaming stores when `stream`. Defined,
+// with one instantiation per member, in filter/fixed_filter.cpp.
+template <class D3, class D5, Out O, class S, class Dst>
+void filter(const Job<S, Dst>& job, int k, bool stream);
 
-template <class D, Out O, class S, class Dst>
-void dispatch(const Job<S, Dst>& job, bool stream) {
-    if (use_avx2()) {
-        if (stream)
-            avx2::filter_image<D, O, true>(job);
-        else
-            avx2::filter_image<D, O, false>(job);
-    } else {
-        if (stream)
-            ssse3::filter_image<D, O, true>(job);
-        else
-            ssse3::filter_image<D, O, false>(job);
-    }
-}
-
-// Checks the arguments in order and runs the filter D with output rule O.
-// kScaled: the member takes a divisor (checked after the border).
-// kMasks: the member takes a mask size; D3 / D5 are its two kernels.
+// Checks the arguments in order and runs the filter D3 / D5 with output
+// rule O. kScaled: the member takes a divisor (checked after the border).
+// hasMask: the member takes a mask size (otherwise 3x3).
 template <class D3, class D5, Out O, bool kScaled, class S, class Dst>
 ZebStatus run(const S* src, int32_t ss, Dst* dst, int32_t ds, ZebiSize roi, int32_t maskSize, int32_t borderType,
               S value, int32_t divisor, void* buffer, bool hasMask = true) {
@@ -238,15 +207,11 @@ ZebStatus run(const S* src, int32_t ss, Dst* dst, int32_t ds, ZebiSize roi, int3
     const int k = hasMask ? taps_of(maskSize) : 3;
     if (k == 0) return zebStsMaskSizeErr;
 
-    Job<S, Dst> job{src, ss, dst, ds, roi.width, roi.height, border::decode(borderType), value,
-                    kScaled ? divisor : 1, align_up(static_cast<unsigned char*>(buffer), 32)};
+    const Job<S, Dst> job{src, ss, dst, ds, roi.width, roi.height, border::decode(borderType), value,
+                          kScaled ? divisor : 1, align_up(static_cast<unsigned char*>(buffer), 32)};
     // Results go straight to memory when the images outgrow the cache.
-    const bool stream = use_streaming(roi, int32_t(sizeof(S) + sizeof(Dst)));
-    if (k == 3)
-        dispatch<D3, O>(job, stream);
-    else
-        dispatch<D5, O>(job, stream);
+    filter<D3, D5, O>(job, k, use_streaming(roi, int32_t(sizeof(S) + sizeof(Dst))));
     return zebStsNoErr;
 }
 
-}  // namespace zeb::ZEB_VNS::fixed
+}  // namespace zeb::fixed

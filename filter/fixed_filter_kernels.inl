@@ -1,167 +1,146 @@
-// Kernels of the fixed 3x3 and 5x5 filters, compiled once per
-// instruction-set path (see core/isa_expand.h). The vector body and the
-// scalar tail evaluate the same expression tree, so every path gives the
-// same bits. 8-bit sources are widened to 16-bit lanes: every sum these
-// kernels form stays within -32640..32640, so 16-bit arithmetic is exact.
+// Kernels of the fixed 3x3 and 5x5 filters, compiled once per vector
+// target (Highway's foreach_target re-includes this file). The vector body
+// and the scalar head and tail evaluate the same expression tree, so every
+// target gives the same bits. 8-bit sources are widened to 16-bit lanes:
+// every sum these kernels form stays within -32640..32640, so 16-bit
+// arithmetic is exact.
+#if defined(ZEB_FILTER_FIXED_FILTER_KERNELS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_FILTER_FIXED_FILTER_KERNELS_
+#undef ZEB_FILTER_FIXED_FILTER_KERNELS_
+#else
+#define ZEB_FILTER_FIXED_FILTER_KERNELS_
+#endif
 
-#define ZEB_AI inline __attribute__((always_inline))
+#include <algorithm>
+#include <cstdint>
+#include <type_traits>
 
-typedef int16_t vs __attribute__((vector_size(ZEB_VEC_BYTES)));
-typedef float vf __attribute__((vector_size(ZEB_VEC_BYTES)));
+#include "core/frame.h"
+#include "core/simd-inl.h"
+#include "filter/fixed_filter.h"
+#include "filter/fixed_filter_ref.h"
 
-// Per source type: line element W, its vector V, the scalar accumulator A
-// and the lanes per vector.
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE::fixed {
+
+using namespace ::zeb::fixed;  // descriptors, Out, Taps, Job
+namespace fref = ::zeb::fixed::ref;
+
+// Per source type: the line element W (the lane type of every sum) and the
+// scalar accumulator A of the reference.
 template <class S>
 struct Lane;
 template <>
 struct Lane<uint8_t> {
     using W = int16_t;
-    using V = vs;
     using A = int;
-    static constexpr int n = ZEB_VEC_BYTES / 2;
 };
 template <>
 struct Lane<float> {
     using W = float;
-    using V = vf;
     using A = float;
-    static constexpr int n = ZEB_VEC_BYTES / 4;
 };
 
-template <class V>
-struct Elem {
-    using type = V;
-};
-template <>
-struct Elem<vs> {
-    using type = int16_t;
-};
-template <>
-struct Elem<vf> {
-    using type = float;
-};
+// ---- loads ----
 
-// ---- loads and stores ----
-
-ZEB_AI vs vload(const uint8_t* p) {
-#if ZEB_VEC_BYTES == 32
-    return (vs)_mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-#else
-    return (vs)_mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
-#endif
+// One full vector of line elements from sources or lines.
+HWY_INLINE hn::Vec<Vd<int16_t>> load_line(const uint8_t* HWY_RESTRICT p) {
+    const Vd<int16_t> d;
+    return hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, decltype(d)>(), p));
 }
-ZEB_AI vs vload(const int16_t* p) {
-    vs v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-ZEB_AI vf vload(const float* p) {
-    vf v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-template <class T, class V>
-ZEB_AI void vstore(T* p, V v) {
-    std::memcpy(p, &v, sizeof v);
-}
-
-// Stores of one whole result vector; the streaming forms need p aligned to
-// the vector's byte size, which the row driver guarantees.
-template <bool kStream, class T, class V>
-ZEB_AI void put_store(T* p, V v) {
-    if constexpr (!kStream) {
-        std::memcpy(p, &v, sizeof v);
-    } else if constexpr (sizeof v == 32) {
-        _mm256_stream_si256(reinterpret_cast<__m256i*>(p), __m256i(v));
-    } else if constexpr (sizeof v == 16) {
-        _mm_stream_si128(reinterpret_cast<__m128i*>(p), __m128i(v));
-    } else {
-        long long q;
-        std::memcpy(&q, &v, 8);
-        _mm_stream_si64(reinterpret_cast<long long*>(p), q);
-    }
-}
-
-ZEB_AI int sload(const uint8_t* p) { return *p; }
-ZEB_AI int sload(const int16_t* p) { return *p; }
-ZEB_AI float sload(const float* p) { return *p; }
+HWY_INLINE hn::Vec<Vd<int16_t>> load_line(const int16_t* HWY_RESTRICT p) { return hn::LoadU(Vd<int16_t>(), p); }
+HWY_INLINE hn::Vec<Vd<float>> load_line(const float* HWY_RESTRICT p) { return hn::LoadU(Vd<float>(), p); }
 
 // ---- sums over a table ----
 
+// v times the coefficient C. Integer powers of two shift (exact in the
+// 16-bit range of these sums); floats multiply as the reference does.
 template <int C, class V>
-ZEB_AI V scaled(V v) {
-    if constexpr (C == 1)
+HWY_INLINE V scaled(V v) {
+    using T = hn::TFromV<V>;
+    constexpr int a = C < 0 ? -C : C;
+    if constexpr (C == 1) {
         return v;
-    else if constexpr (C == -1)
-        return -v;
-    else
-        return v * typename Elem<V>::type(C);
+    } else if constexpr (C == -1) {
+        return hn::Neg(v);
+    } else if constexpr (!hwy::IsFloat<T>() && (a & (a - 1)) == 0) {
+        constexpr int sh = a == 2 ? 1 : a == 4 ? 2 : a == 8 ? 3 : 4;
+        static_assert((1 << sh) == a, "shift table");
+        const V s = hn::ShiftLeft<sh>(v);
+        return C < 0 ? hn::Neg(s) : s;
+    } else {
+        return hn::Mul(v, hn::Set(hn::DFromV<V>(), T(C)));
+    }
 }
 
 // Sum of Taps::c[i] * ld(i) over the non-zero coefficients in index order;
-// the first product starts the sum.
-template <class Taps, class V, int I, bool kStarted, class Ld>
-ZEB_AI V dot_from(const Ld& ld, V acc) {
+// the first product starts the sum (fref::taps_sum, lane by lane). ld is
+// called with std::integral_constant<int, i>, so it may use i at compile
+// time.
+template <class Taps, int I, bool kStarted, class V, class Ld>
+HWY_INLINE V dot_from(const Ld& ld, V acc) {
     if constexpr (I == Taps::n) {
         return acc;
     } else if constexpr (Taps::c[I] == 0) {
-        return dot_from<Taps, V, I + 1, kStarted>(ld, acc);
+        return dot_from<Taps, I + 1, kStarted>(ld, acc);
     } else {
-        const V p = scaled<Taps::c[I]>(V(ld(I)));
+        const V p = scaled<Taps::c[I]>(ld(std::integral_constant<int, I>{}));
         if constexpr (kStarted)
-            return dot_from<Taps, V, I + 1, true>(ld, V(acc + p));
+            return dot_from<Taps, I + 1, true>(ld, hn::Add(acc, p));
         else
-            return dot_from<Taps, V, I + 1, true>(ld, p);
+            return dot_from<Taps, I + 1, true>(ld, p);
     }
 }
 template <class Taps, class V, class Ld>
-ZEB_AI V dot(const Ld& ld) {
-    return dot_from<Taps, V, 0, false>(ld, V{});
+HWY_INLINE V dot(const Ld& ld) {
+    return dot_from<Taps, 0, false>(ld, V{});
 }
 
 // ---- column step: t(x) for x in -r .. w+r-1 ----
 
+// t(x) for x in x0 .. x1-1 of one line from the k source rows rows[0..k-1].
 template <class D, int T, class S>
-void column_line(const S* const* rows, typename Lane<S>::W* t, int w) {
-    using L = Lane<S>;
+void column_line(const S* const* rows, typename Lane<S>::W* HWY_RESTRICT t, int x0, int x1) {
+    using W = typename Lane<S>::W;
+    using A = typename Lane<S>::A;
+    using V = hn::Vec<Vd<W>>;
     using C = Taps<D, T, false>;
-    int x = 0;
-    for (; x + L::n <= w; x += L::n) {
-        const auto ld = [&](int i) { return vload(rows[i] + x); };
-        vstore(t + x, dot<C, typename L::V>(ld));
+    constexpr int kN = int(hn::MaxLanes(Vd<W>()));
+    int x = x0;
+    for (; x + kN <= x1; x += kN) {
+        const auto ld = [&](int i) HWY_ATTR { return load_line(rows[i] + x); };
+        hn::StoreU(dot<C, V>(ld), Vd<W>(), t + x);
     }
-    for (; x < w; ++x) {
-        const auto ld = [&](int i) { return typename L::A(sload(rows[i] + x)); };
-        t[x] = typename L::W(dot<C, typename L::A>(ld));
-    }
+    for (; x < x1; ++x) t[x] = W(fref::taps_sum<C, A>([&](int i) { return rows[i][x]; }));
 }
 
-// Column lines of two consecutive output rows at once: rows[0 .. k] hold
-// k + 1 source rows, the first line uses rows 0 .. k-1, the second 1 .. k,
-// and every source vector is loaded once for both.
+// The same for the lines of two consecutive output rows at once: rows[0 .. k]
+// hold k + 1 source rows, the first line uses rows 0 .. k-1, the second
+// 1 .. k, and every source vector is loaded once for both.
 template <class D, int T, class S>
-void column_line2(const S* const* rows, typename Lane<S>::W* ta, typename Lane<S>::W* tb, int w) {
-    using L = Lane<S>;
-    using V = typename L::V;
+void column_line2(const S* const* rows, typename Lane<S>::W* HWY_RESTRICT ta, typename Lane<S>::W* HWY_RESTRICT tb,
+                  int x0, int x1) {
+    using W = typename Lane<S>::W;
+    using A = typename Lane<S>::A;
+    using V = hn::Vec<Vd<W>>;
     using C = Taps<D, T, false>;
+    constexpr int kN = int(hn::MaxLanes(Vd<W>()));
     // Local copies: the line stores cannot change them, so they stay in
     // registers.
     const S* rp[D::k + 1];
     for (int i = 0; i <= D::k; ++i) rp[i] = rows[i];
-    int x = 0;
-    for (; x + L::n <= w; x += L::n) {
+    int x = x0;
+    for (; x + kN <= x1; x += kN) {
         V v[D::k + 1];
-        for (int i = 0; i <= D::k; ++i) v[i] = vload(rp[i] + x);
-        const auto lda = [&](int i) { return v[i]; };
-        const auto ldb = [&](int i) { return v[i + 1]; };
-        vstore(ta + x, dot<C, V>(lda));
-        vstore(tb + x, dot<C, V>(ldb));
+        for (int i = 0; i <= D::k; ++i) v[i] = load_line(rp[i] + x);
+        const auto lda = [&](int i) HWY_ATTR { return v[i]; };
+        const auto ldb = [&](int i) HWY_ATTR { return v[i + 1]; };
+        hn::StoreU(dot<C, V>(lda), Vd<W>(), ta + x);
+        hn::StoreU(dot<C, V>(ldb), Vd<W>(), tb + x);
     }
-    for (; x < w; ++x) {
-        const auto lda = [&](int i) { return typename L::A(sload(rows[i] + x)); };
-        const auto ldb = [&](int i) { return typename L::A(sload(rows[i + 1] + x)); };
-        ta[x] = typename L::W(dot<C, typename L::A>(lda));
-        tb[x] = typename L::W(dot<C, typename L::A>(ldb));
+    for (; x < x1; ++x) {
+        ta[x] = W(fref::taps_sum<C, A>([&](int i) { return rp[i][x]; }));
+        tb[x] = W(fref::taps_sum<C, A>([&](int i) { return rp[i + 1][x]; }));
     }
 }
 
@@ -170,21 +149,18 @@ void column_line2(const S* const* rows, typename Lane<S>::W* ta, typename Lane<S
 // the column the border rule maps to (the column sums are already there).
 template <class D, int T, class S, class Dst>
 void column_edges(const S* const* rows, typename Lane<S>::W* t, const Job<S, Dst>& j) {
-    using L = Lane<S>;
-    using A = typename L::A;
+    using W = typename Lane<S>::W;
+    using A = typename Lane<S>::A;
     using C = Taps<D, T, false>;
     constexpr int r = D::k / 2;
     const int w = j.w;
     auto edge = [&](int x, bool inMem) {
-        if (inMem) {
-            const auto ld = [&](int i) { return A(sload(rows[i] + x)); };
-            t[x] = typename L::W(dot<C, A>(ld));
-        } else if (j.spec.mode == border::kConst) {
-            const auto ld = [&](int) { return A(j.value); };
-            t[x] = typename L::W(dot<C, A>(ld));
-        } else {
+        if (inMem)
+            t[x] = W(fref::taps_sum<C, A>([&](int i) { return rows[i][x]; }));
+        else if (j.spec.mode == border::kConst)
+            t[x] = W(fref::taps_sum<C, A>([&](int) { return j.value; }));
+        else
             t[x] = t[border::map_index(x, w, j.spec.mode)];
-        }
     };
     for (int x = -r; x < 0; ++x) edge(x, j.spec.left);
     for (int x = w; x < w + r; ++x) edge(x, j.spec.right);
@@ -192,99 +168,203 @@ void column_edges(const S* const* rows, typename Lane<S>::W* t, const Job<S, Dst
 
 // ---- row step and the result ----
 
-template <Out O, class D, bool kStream>
-ZEB_AI void put_vec(int16_t* p, vs v) {
-    if constexpr (O == Out::S16Neg) v = -v;
-    put_store<kStream>(p, v);
-}
-template <Out O, class D, bool kStream>
-ZEB_AI void put_vec(float* p, vf v) {
-    if constexpr (O == Out::F32Neg) v = -v;
-    if constexpr (O == Out::F32Mean) v = v * (1.0f / float(cell_count<D>()));
-    put_store<kStream>(p, v);
-}
-template <Out O, class D, bool kStream>
-ZEB_AI void put_vec(uint8_t* p, vs v) {
+// The 8u mean of 16-bit sums: (sum + count / 2) / count by multiply-high.
+template <class D, class V>
+HWY_INLINE V mean_u8(V v) {
     using M = MeanMagic<cell_count<D>()>;
-    v = v + int16_t(cell_count<D>() / 2);
-#if ZEB_VEC_BYTES == 32
-    const __m256i q = _mm256_srli_epi16(_mm256_mulhi_epu16(__m256i(v), _mm256_set1_epi16(int16_t(M::mul))), M::shift);
-    put_store<kStream>(p, _mm_packus_epi16(_mm256_castsi256_si128(q), _mm256_extracti128_si256(q, 1)));
-#else
-    const __m128i q = _mm_srli_epi16(_mm_mulhi_epu16(__m128i(v), _mm_set1_epi16(int16_t(M::mul))), M::shift);
-    typedef int64_t v1q __attribute__((vector_size(8)));
-    put_store<kStream>(p, v1q{_mm_cvtsi128_si64(_mm_packus_epi16(q, q))});
-#endif
+    const hn::DFromV<V> d;
+    const hn::RebindToUnsigned<decltype(d)> du;
+    const auto u = hn::BitCast(du, hn::Add(v, hn::Set(d, int16_t(cell_count<D>() / 2))));
+    return hn::BitCast(d, hn::ShiftRight<M::shift>(hn::MulHigh(u, hn::Set(du, uint16_t(M::mul)))));
 }
 
-template <Out O, class D>
-ZEB_AI void put_one(int16_t* p, int v) {
-    *p = int16_t(O == Out::S16Neg ? -v : v);
+// Stores one block of results at the vector-aligned p: one vector of sums
+// for 16-bit and float results, two (one vector of bytes) for the 8u mean.
+template <Out O, class D, Store kStore, class V>
+HWY_INLINE void put_block(int16_t* HWY_RESTRICT p, const V* v) {
+    StoreKind<kStore>(O == Out::S16Neg ? hn::Neg(v[0]) : v[0], Vd<int16_t>(), p);
 }
-template <Out O, class D>
-ZEB_AI void put_one(float* p, float v) {
-    if constexpr (O == Out::F32Neg) v = -v;
-    if constexpr (O == Out::F32Mean) v = v * (1.0f / float(cell_count<D>()));
-    *p = v;
+template <Out O, class D, Store kStore, class V>
+HWY_INLINE void put_block(float* HWY_RESTRICT p, const V* v) {
+    V f = v[0];
+    if constexpr (O == Out::F32Neg) f = hn::Neg(f);
+    if constexpr (O == Out::F32Mean) f = hn::Mul(f, hn::Set(Vd<float>(), 1.0f / float(cell_count<D>())));
+    StoreKind<kStore>(f, Vd<float>(), p);
 }
-template <Out O, class D>
-ZEB_AI void put_one(uint8_t* p, int v) {
-    *p = uint8_t((v + cell_count<D>() / 2) / cell_count<D>());
+template <Out O, class D, Store kStore, class V>
+HWY_INLINE void put_block(uint8_t* HWY_RESTRICT p, const V* v) {
+    const Vd<uint8_t> du8;
+    const hn::Rebind<uint8_t, Vd<int16_t>> dh;
+    const auto bytes = hn::Combine(du8, hn::DemoteTo(dh, mean_u8<D>(v[1])), hn::DemoteTo(dh, mean_u8<D>(v[0])));
+    StoreKind<kStore>(bytes, du8, p);
 }
 
-// out(x) = sum of the row taps over t0 (plus those of the second term over
-// t1, a column line or the source row itself).
-template <class D, Out O, bool kStream, class S, class P1, class Dst>
-void output_row(const typename Lane<S>::W* t0, const P1* t1, Dst* out, int w) {
-    using L = Lane<S>;
-    using V = typename L::V;
-    using A = typename L::A;
+// Results per store: one vector of sums, two for bytes.
+template <class Dst>
+inline constexpr int kSub = sizeof(Dst) == 1 ? 2 : 1;
+
+// out(x) for x in x0 .. x1-1 (out + x0 on a vector boundary, or x0 == 0):
+// the sum of the row taps over t0, plus those of the second term over t1
+// (a column line or the source row itself).
+template <class D, Out O, Store kStore, class S, class P1, class Dst>
+void output_range(const typename Lane<S>::W* t0, const P1* t1, Dst* out, int x0, int x1) {
+    using W = typename Lane<S>::W;
+    using A = typename Lane<S>::A;
+    using V = hn::Vec<Vd<W>>;
     constexpr int r = D::k / 2;
+    constexpr int kN = int(hn::MaxLanes(Vd<W>()));
     using R0 = Taps<D, 0, true>;
     using R1 = Taps<D, D::terms - 1, true>;
-    auto block = [&](int x) {
-        const auto ld0 = [&](int i) { return vload(t0 + x + i - r); };
+    auto sums = [&](int x) HWY_ATTR {
+        const auto ld0 = [&](int i) HWY_ATTR { return load_line(t0 + x + i - r); };
         V acc = dot<R0, V>(ld0);
         if constexpr (D::terms == 2) {
-            const auto ld1 = [&](int i) { return vload(t1 + x + i - r); };
-            acc = acc + dot<R1, V>(ld1);
+            const auto ld1 = [&](int i) HWY_ATTR { return load_line(t1 + x + i - r); };
+            acc = hn::Add(acc, dot<R1, V>(ld1));
         }
-        put_vec<O, D, kStream>(out + x, acc);
+        return acc;
+    };
+    auto block = [&](int x) HWY_ATTR {
+        x += x0;
+        V acc[kSub<Dst>];
+        for (int s = 0; s < kSub<Dst>; ++s) acc[s] = sums(x + s * kN);
+        put_block<O, D, kStore>(out + x, acc);
     };
     auto scalar = [&](int x) {
-        const auto ld0 = [&](int i) { return A(sload(t0 + x + i - r)); };
-        A acc = dot<R0, A>(ld0);
-        if constexpr (D::terms == 2) {
-            const auto ld1 = [&](int i) { return A(sload(t1 + x + i - r)); };
-            acc = acc + dot<R1, A>(ld1);
-        }
-        put_one<O, D>(out + x, acc);
+        x += x0;
+        A acc = fref::taps_sum<R0, A>([&](int i) { return t0[x + i - r]; });
+        if constexpr (D::terms == 2) acc = A(acc + fref::taps_sum<R1, A>([&](int i) { return t1[x + i - r]; }));
+        fref::put<O, D>(out + x, acc);
     };
-    drive_row<L::n * int(sizeof(Dst)), L::n>(out, w, scalar, block);
+    drive_row<kVecBytes, kSub<Dst> * kN>(out + x0, x1 - x0, scalar, block);
+}
+
+// Tap loaders of the sliding body. RowsAt: source row i at x, widened to
+// line elements. Shifted: the row of column sums read at offset i - r,
+// from the vectors before, at and after x.
+template <class S>
+struct RowsAt {
+    const S* const* rows;
+    int x;
+    template <int I>
+    HWY_INLINE auto operator()(std::integral_constant<int, I>) const {
+        return load_line(rows[I] + x);
+    }
+};
+
+template <int r, class V>
+struct Shifted {
+    V prev, cur, next;
+    template <int I>
+    HWY_INLINE V operator()(std::integral_constant<int, I>) const {
+        constexpr int o = I - r;
+        const hn::DFromV<V> d;
+        if constexpr (o < 0)
+            return ShiftInPrev<-o>(d, cur, prev);
+        else if constexpr (o > 0)
+            return ShiftInNext<o>(d, cur, next);
+        else
+            return cur;
+    }
+};
+
+// Where the sliding body of an output row runs: out + head is the first
+// vector boundary, blocks at head, head + block, ... up to end (exclusive)
+// read their source rows one vector beyond the block, all inside the row.
+// end == head when the row is too short for the body.
+struct Span {
+    int head, end;
+};
+
+template <class S, class Dst>
+Span slide_span(const Dst* out, int w) {
+    constexpr int kN = int(hn::MaxLanes(Vd<typename Lane<S>::W>()));
+    constexpr int kBlock = kSub<Dst> * kN;
+    const auto addr = reinterpret_cast<std::uintptr_t>(out);
+    const int head = int(((kVecBytes - addr % kVecBytes) % kVecBytes) / sizeof(Dst));
+    const int blocks = head + kBlock + kN <= w ? (w - kN - head) / kBlock : 0;
+    return {head, head + blocks * kBlock};
+}
+
+// The sliding body: per vector of outputs, each term's column sums are
+// formed once from the source rows one vector ahead, and the row taps read
+// them shifted by lanes from three consecutive vectors (prev, cur, next)
+// instead of from a line. The sums are the same expression as on the
+// line, so the bits are too. rws[0..k-1] are the rows of this output row;
+// the lines hold at least positions head-r .. head-1 (for prev).
+template <class D, Out O, Store kStore, class S, class Dst>
+void slide_body(const S* const* rws, const typename Lane<S>::W* l0, const typename Lane<S>::W* l1, Dst* out,
+                Span sp) {
+    using W = typename Lane<S>::W;
+    using V = hn::Vec<Vd<W>>;
+    const Vd<W> d;
+    constexpr int r = D::k / 2;
+    constexpr int kN = int(hn::MaxLanes(Vd<W>()));
+    constexpr int kT = D::terms;
+    const S* rp[D::k];
+    for (int i = 0; i < D::k; ++i) rp[i] = rws[i];
+    using C0 = Taps<D, 0, false>;
+    using C1 = Taps<D, kT - 1, false>;
+    using R0 = Taps<D, 0, true>;
+    using R1 = Taps<D, kT - 1, true>;
+    // A centre-only second term has no line: its row taps must then be the
+    // centre alone, so that its prev vector is never read.
+    constexpr bool kCentre = kT == 2 && centre_only<D, 1>();
+    static_assert(!kCentre || (Taps<D, 1, true>::c[0] == 0 && Taps<D, 1, true>::c[D::k - 1] == 0 &&
+                               (r == 1 || (Taps<D, 1, true>::c[1] == 0 && Taps<D, 1, true>::c[3] == 0))),
+                  "a centre-only term reads the centre column only");
+    // Term 0 and term 1 (the same as term 0 for one-term filters, unused).
+    V p0 = hn::LoadU(d, l0 + sp.head - kN), c0 = dot<C0, V>(RowsAt<S>{rp, sp.head});
+    V p1 = kCentre || kT == 1 ? hn::Zero(d) : hn::LoadU(d, l1 + sp.head - kN);
+    V c1 = kT == 2 ? dot<C1, V>(RowsAt<S>{rp, sp.head}) : hn::Zero(d);
+    for (int x = sp.head; x < sp.end; x += kSub<Dst> * kN) {
+        V acc[kSub<Dst>];
+        for (int s = 0; s < kSub<Dst>; ++s) {
+            const int xn = x + (s + 1) * kN;
+            const V n0 = dot<C0, V>(RowsAt<S>{rp, xn});
+            acc[s] = dot<R0, V>(Shifted<r, V>{p0, c0, n0});
+            p0 = c0;
+            c0 = n0;
+            if constexpr (kT == 2) {
+                const V n1 = dot<C1, V>(RowsAt<S>{rp, xn});
+                acc[s] = hn::Add(acc[s], dot<R1, V>(Shifted<r, V>{p1, c1, n1}));
+                p1 = c1;
+                c1 = n1;
+            }
+        }
+        put_block<O, D, kStore>(out + x, acc);
+    }
 }
 
 // ---- the whole image ----
 
-template <class D, Out O, bool kStream, class S, class Dst>
+template <class D, Out O, Store kStore, class S, class Dst>
 void filter_image(const Job<S, Dst>& j) {
     using W = typename Lane<S>::W;
     constexpr int r = D::k / 2;
-    constexpr bool kTwoLines = D::terms == 2 && !centre_only<D, 1>();
+    constexpr int kN = int(hn::MaxLanes(Vd<W>()));
+    constexpr bool kCentre = D::terms == 2 && centre_only<D, 1>();
+    constexpr bool kTwoLines = D::terms == 2 && !kCentre;
     constexpr bool k8s = O == Out::S8 || O == Out::S8Neg;
     constexpr Out kLine = O == Out::S8 ? Out::S16 : O == Out::S8Neg ? Out::S16Neg : O;
-    const int ext = j.w + 2 * r;
+    // The 8u8s forms store through a 16-bit line, always cached.
+    constexpr Store kLineStore = k8s ? Store::Cached : kStore;
+    using Res = std::conditional_t<k8s, int16_t, Dst>;
+    const int w = j.w, ext = w + 2 * r;
 
     Carver carve(j.buffer);
     S* constRow = carve.take<S>(ext);
     for (int i = 0; i < ext; ++i) constRow[i] = j.value;
-    W* t0 = carve.take<W>(ext) + r;
-    W* t1 = kTwoLines ? carve.take<W>(ext) + r : nullptr;
-    int16_t* line = k8s ? carve.take<int16_t>(j.w) : nullptr;
-
-    // Two output rows per step share their source rows; a second set of
-    // lines holds the lower row's column sums.
-    W* u0 = carve.take<W>(ext) + r;
-    W* u1 = kTwoLines ? carve.take<W>(ext) + r : nullptr;
+    // Line element 0 sits on a 64-byte boundary; the padding before it
+    // holds the r edge columns and lets the sliding body read one vector
+    // before any position of the line.
+    constexpr int kPad = 64 / int(sizeof(W));
+    static_assert(kPad >= kN && kPad > r, "line padding");
+    auto take_line = [&] { return carve.take<W>(std::size_t(w + r + kPad)) + kPad; };
+    // Lines of the upper (t) and lower (u) row of a pair, per term.
+    W* t[2] = {take_line(), kTwoLines ? take_line() : nullptr};
+    W* u[2] = {take_line(), kTwoLines ? take_line() : nullptr};
+    int16_t* line = k8s ? carve.take<int16_t>(w) : nullptr;
 
     const S* rows[6];
     auto fetch = [&](int y, int count) {
@@ -293,41 +373,80 @@ void filter_image(const Job<S, Dst>& j) {
             rows[i] = p ? p : constRow + r;
         }
     };
-    // The result of output row y from its lines.
-    auto finish = [&](int y, const S* const* rws, W* l0, W* l1) {
-        column_edges<D, 0>(rws, l0, j);
-        if constexpr (kTwoLines) column_edges<D, 1>(rws, l1, j);
-        Dst* out = row(j.dst, j.dstStep, y);
-        auto emit = [&](auto* o) {
-            if constexpr (kTwoLines)
-                output_row<D, kLine, kStream && !k8s, S>(l0, l1, o, j.w);
-            else if constexpr (D::terms == 2)
-                output_row<D, kLine, kStream && !k8s, S>(l0, rws[r], o, j.w);
-            else
-                output_row<D, kLine, kStream && !k8s, S>(l0, l0, o, j.w);
+    auto out_row = [&](int y) -> Res* {
+        if constexpr (k8s)
+            return line;
+        else
+            return row(j.dst, j.dstStep, y);
+    };
+    // The column lines of the positions a pair of rows (or the last row)
+    // reads from lines: all of them when a row has no sliding body,
+    // otherwise the head (and one vector more, which also covers what the
+    // mirror edges read) and the tail.
+    auto lines = [&](int count, Span a, Span b) {
+        auto compute = [&](int x0, int x1) {
+            if (count == 2) {
+                column_line2<D, 0>(rows, t[0], u[0], x0, x1);
+                if constexpr (kTwoLines) column_line2<D, 1>(rows, t[1], u[1], x0, x1);
+            } else {
+                column_line<D, 0>(rows, t[0], x0, x1);
+                if constexpr (kTwoLines) column_line<D, 1>(rows, t[1], x0, x1);
+            }
         };
-        if constexpr (k8s) {
-            emit(line);
-            for (int x = 0; x < j.w; ++x) out[x] = Dst(div_round_8s(line[x], j.divisor));
+        if (a.end == a.head || b.end == b.head) {
+            compute(0, w);
         } else {
-            emit(out);
+            const int hl = std::min(w, std::max(a.head, b.head) + kN);
+            const int tl = std::max(hl, std::min(a.end, b.end) - kN);
+            compute(0, hl);
+            compute(tl, w);
         }
     };
+    // Output row y from its source rows and lines.
+    auto finish = [&](int y, const S* const* rws, W* const* l, Span sp) {
+        column_edges<D, 0>(rws, l[0], j);
+        if constexpr (kTwoLines) column_edges<D, 1>(rws, l[1], j);
+        Res* out = out_row(y);
+        const auto* second = [&] {
+            if constexpr (kTwoLines)
+                return static_cast<const W*>(l[1]);
+            else if constexpr (kCentre)
+                return rws[r];
+            else
+                return static_cast<const W*>(l[0]);
+        }();
+        if (sp.end > sp.head) {
+            output_range<D, kLine, kLineStore, S>(l[0], second, out, 0, sp.head);
+            // A centre-only second term has no line of its own.
+            slide_body<D, kLine, kLineStore, S>(rws, l[0], kTwoLines ? l[1] : l[0], out, sp);
+            output_range<D, kLine, kLineStore, S>(l[0], second, out, sp.end, w);
+        } else {
+            output_range<D, kLine, kLineStore, S>(l[0], second, out, 0, w);
+        }
+        if constexpr (k8s) {
+            Dst* o = row(j.dst, j.dstStep, y);
+            for (int x = 0; x < w; ++x) o[x] = Dst(fref::div_round_8s(line[x], j.divisor));
+        }
+    };
+    auto span = [&](int y) { return slide_span<S>(out_row(y), w); };
     int y = 0;
     for (; y + 1 < j.h; y += 2) {
         fetch(y, D::k + 1);
-        column_line2<D, 0>(rows, t0, u0, j.w);
-        if constexpr (kTwoLines) column_line2<D, 1>(rows, t1, u1, j.w);
-        finish(y, rows, t0, t1);
-        finish(y + 1, rows + 1, u0, u1);
+        const Span a = span(y), b = span(y + 1);
+        lines(2, a, b);
+        finish(y, rows, t, a);
+        finish(y + 1, rows + 1, u, b);
     }
     if (y < j.h) {
         fetch(y, D::k);
-        column_line<D, 0>(rows, t0, j.w);
-        if constexpr (kTwoLines) column_line<D, 1>(rows, t1, j.w);
-        finish(y, rows, t0, t1);
+        const Span a = span(y);
+        lines(1, a, a);
+        finish(y, rows, t, a);
     }
-    if constexpr (kStream) _mm_sfence();
+    FinishStores<kStore>();
 }
 
-#undef ZEB_AI
+}  // namespace zeb::HWY_NAMESPACE::fixed
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_FILTER_FIXED_FILTER_KERNELS_

@@ -5,7 +5,7 @@
 #include "core/checks.h"
 #include "core/dispatch.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
 template <class T>
@@ -32,7 +32,7 @@ ZebStatus zebiGenSobelKernel_32f(Zeb32f* pDst, int kernelSize, int dx, int sign)
     return gen_sobel(pDst, kernelSize, dx, sign);
 }
 
-}  // namespace zeb::ZEB_VNS
+}  // namespace zeb::impl
 
 ZEB_EXPORT(zebiGenSobelKernel_16s);
 ZEB_EXPORT(zebiGenSobelKernel_32f);

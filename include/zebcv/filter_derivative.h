@@ -33,7 +33,11 @@
  * order of increasing coordinate. The lowpass 8u result is the sum divided by
  * 9 or 25 rounded to nearest; the 32f result is the sum times 1/9 or 1/25.
  *
- * Each filter needs a work buffer of the size its GetBufferSize query gives. */
+ * Each filter needs a work buffer of the size its GetBufferSize query gives.
+ * A query checks pBufferSize (zebStsNullPtrErr), the ROI size
+ * (zebStsSizeErr) and the mask size (zebStsMaskSizeErr) in that order; a
+ * width whose buffer would not fit an int gives zebStsSizeErr, with nothing
+ * written. */
 #ifndef ZEBCV_FILTER_DERIVATIVE_H
 #define ZEBCV_FILTER_DERIVATIVE_H
 
