@@ -4,7 +4,7 @@
 set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config libstb-dev libhwy-dev)
 if [ "${1:-test}" = test ]; then
-  packages+=(libgtest-dev libbenchmark-dev libopencv-dev binutils)
+  packages+=(libgtest-dev libbenchmark-dev libopencv-dev binutils opencv-doc opencv-data)
 fi
 missing=()
 for p in "${packages[@]}"; do
