@@ -1,9 +1,10 @@
 #include "harness.h"
 
 #include <gtest/gtest-spi.h>
-
 #include <sys/mman.h>
 #include <unistd.h>
+
+#include <opencv2/imgcodecs.hpp>
 
 #include <cstdio>
 #include <cstdlib>
@@ -153,6 +154,10 @@ std::vector<std::string> failures_of(const std::function<void()>& f) {
     std::vector<std::string> out;
     for (int i = 0; i < results.size(); ++i) out.push_back(results.GetTestPartResult(i).message());
     return out;
+}
+
+cv::Mat photo(const std::string& file, int mode) {
+    return cv::imread("/usr/share/doc/opencv-doc/examples/data/" + file, mode);
 }
 
 std::mt19937& rng() {

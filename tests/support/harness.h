@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
 #include <random>
 #include <source_location>
 #include <sstream>
@@ -249,6 +250,20 @@ private:
     std::vector<uint8_t> padding_;
     bool checkPadding_ = true;
 };
+
+// A photograph from OpenCV's sample data (baboon.jpg, fruits.jpg,
+// building.jpg, ...), read with imread in the given mode
+// (cv::IMREAD_COLOR, cv::IMREAD_GRAYSCALE); empty when it is missing.
+cv::Mat photo(const std::string& file, int mode);
+
+// A guarded image holding a copy of m's pixels, converted to T.
+template <class T>
+Image<T> image_of(const cv::Mat& m, int padBytes = 0, Margin margin = {},
+                  std::source_location made = std::source_location::current()) {
+    Image<T> img(m.cols, m.rows, m.channels(), padBytes, margin, made);
+    m.convertTo(img.mat(), CvDepth<T>::v);
+    return img;
+}
 
 // Vector targets: 0 SSSE3, 1 AVX2, 2 AVX-512.
 inline constexpr int kTargets = 3;
