@@ -1,6 +1,5 @@
 // The table-driven check runner: on two real exports, and against calls
 // that break the rules on purpose, which it must report.
-#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include "check_table.h"
@@ -99,19 +98,7 @@ Table<Fake> fake_table(std::function<ZebStatus(Fake&)> body) {
             {{"bad", [](Fake& x) { x.bad = true; }, zebStsBadArgErr}}};
 }
 
-// The failures that a run of the runner records, captured instead of
-// failing this test.
-std::vector<std::string> failures_of(const std::function<void()>& f) {
-    ::testing::TestPartResultArray results;
-    {
-        ::testing::ScopedFakeTestPartResultReporter catcher(
-            ::testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &results);
-        f();
-    }
-    std::vector<std::string> out;
-    for (int i = 0; i < results.size(); ++i) out.push_back(results.GetTestPartResult(i).message());
-    return out;
-}
+using zt::failures_of;
 
 bool mentions(const std::string& s, const char* part) { return s.find(part) != std::string::npos; }
 
