@@ -90,6 +90,17 @@ HWY_INLINE void BlocksInOrder(VI16 lo, VI16 hi, VI16& first, VI16& second) {
 #endif
 }
 
+// After the whole blocks of w outputs below e, what is left of n (if any)
+// as one more block ending at n: it overlaps the block before and writes
+// some outputs again with the same values (no kernel writes over its
+// input). Rows shorter than a block are left to the scalar tail.
+template <class Block>
+HWY_INLINE int OverlapLast(int e, int n, int w, Block&& block) {
+    if (e >= n || n < w) return e;
+    block(n - w);
+    return n;
+}
+
 // ---------------------------------------------------------------------------
 // Loads and stores.
 
@@ -151,12 +162,14 @@ void float_taps(const S* in, D* out, int n, int stride, int k, Coef coef, float 
         }
         for (int u = 0; u < U; ++u) StoreF<D, C>(out + e + u * kLanes, kPost ? hn::Mul(acc[u], vpost) : acc[u]);
     }
-    for (; e + kLanes <= n; e += kLanes) {
-        VF acc = hn::Mul(hn::Set(df, cf(0)), LoadAsF32(in + e));
+    auto one = [&](int x) HWY_ATTR {
+        VF acc = hn::Mul(hn::Set(df, cf(0)), LoadAsF32(in + x));
         for (int i = 1; i < kk; ++i)
-            acc = hn::Add(acc, hn::Mul(hn::Set(df, cf(i)), LoadAsF32(in + e + std::ptrdiff_t(i) * stride)));
-        StoreF<D, C>(out + e, kPost ? hn::Mul(acc, vpost) : acc);
-    }
+            acc = hn::Add(acc, hn::Mul(hn::Set(df, cf(i)), LoadAsF32(in + x + std::ptrdiff_t(i) * stride)));
+        StoreF<D, C>(out + x, kPost ? hn::Mul(acc, vpost) : acc);
+    };
+    for (; e + kLanes <= n; e += kLanes) one(e);
+    e = OverlapLast(e, n, kLanes, one);
     for (; e < n; ++e) {
         float acc = cf(0) * float(in[e]);
         for (int i = 1; i < kk; ++i) acc = acc + cf(i) * float(in[e + std::ptrdiff_t(i) * stride]);
@@ -192,11 +205,13 @@ void float_rows(const S* const* rows, D* out, int n, int k, Coef coef, float pos
         }
         for (int u = 0; u < U; ++u) StoreF<D, C>(out + e + u * kLanes, kPost ? hn::Mul(acc[u], vpost) : acc[u]);
     }
-    for (; e + kLanes <= body; e += kLanes) {
-        VF acc = hn::Mul(hn::Set(df, cf(0)), LoadAsF32(rp(0) + e));
-        for (int j = 1; j < kk; ++j) acc = hn::Add(acc, hn::Mul(hn::Set(df, cf(j)), LoadAsF32(rp(j) + e)));
-        StoreF<D, C>(out + e, kPost ? hn::Mul(acc, vpost) : acc);
-    }
+    auto one = [&](int x) HWY_ATTR {
+        VF acc = hn::Mul(hn::Set(df, cf(0)), LoadAsF32(rp(0) + x));
+        for (int j = 1; j < kk; ++j) acc = hn::Add(acc, hn::Mul(hn::Set(df, cf(j)), LoadAsF32(rp(j) + x)));
+        StoreF<D, C>(out + x, kPost ? hn::Mul(acc, vpost) : acc);
+    };
+    for (; e + kLanes <= body; e += kLanes) one(e);
+    e = OverlapLast(e, body, kLanes, one);
     for (; e < n; ++e) {
         float acc = cf(0) * float(rp(0)[e]);
         for (int j = 1; j < kk; ++j) acc = acc + cf(j) * float(rp(j)[e]);
@@ -234,8 +249,7 @@ template <class S, class Fin>
 void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t* c, Fin fin) {
     const DI16 d16;
     const hn::Repartition<int32_t, DI16> d32;
-    int e = 0;
-    for (; e + kShorts <= n; e += kShorts) {
+    auto one = [&](int e) HWY_ATTR {
         VI32 lo = hn::Zero(d32), hi = hn::Zero(d32);
         int i = 0;
         for (; i + 1 < k; i += 2) {
@@ -252,7 +266,10 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
             hi = MulAddPairs(hn::InterleaveUpper(d16, a, hn::Zero(d16)), cc, hi);
         }
         hn::StoreU(fin.vec(lo, hi), d16, out + e);
-    }
+    };
+    int e = 0;
+    for (; e + kShorts <= n; e += kShorts) one(e);
+    e = OverlapLast(e, n, kShorts, one);
     for (; e < n; ++e) {
         int32_t s = 0;
         for (int i = 0; i < k; ++i) s += int32_t(c[i]) * int32_t(in[e + std::ptrdiff_t(i) * stride]);
@@ -275,14 +292,14 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
 
 inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int k, const uint16_t* c) {
     const DU16 du;
-    constexpr int U = 2;
     const int a = k / 2;
     const std::ptrdiff_t mid = std::ptrdiff_t(a) * stride;
     auto load = [&](const uint8_t* p) HWY_ATTR { return hn::BitCast(du, Load16(p)); };
-    int e = 0;
-    for (; e + U * kShorts <= n; e += U * kShorts) {
+    const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
+    // U vectors from e on; two independent chains hide the latencies.
+    auto block = [&](int e, auto units) HWY_ATTR {
+        constexpr int U = decltype(units)::value;
         VU16 acc[U];
-        const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
         for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::ShiftLeft<8>(load(in + e + mid + u * kShorts)), ca);
         for (int i = 0; i < a; ++i) {
             const VU16 ci = hn::Set(du, uint16_t(c[i] << 4));
@@ -293,7 +310,13 @@ inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int
                                  hn::MulHigh(hn::ShiftLeft<7>(hn::Add(load(p + u * kShorts), load(q + u * kShorts))), ci));
         }
         for (int u = 0; u < U; ++u) hn::StoreU(acc[u], du, out + e + u * kShorts);
-    }
+    };
+    using Two = std::integral_constant<int, 2>;
+    using One = std::integral_constant<int, 1>;
+    int e = 0;
+    for (; e + 2 * kShorts <= n; e += 2 * kShorts) block(e, Two());
+    for (; e + kShorts <= n; e += kShorts) block(e, One());
+    e = OverlapLast(e, n, kShorts, [&](int x) HWY_ATTR { block(x, One()); });
     for (; e < n; ++e) {
         uint32_t acc = (uint32_t(in[e + mid]) * c[a]) >> 5;
         for (int i = 0; i < a; ++i)
@@ -304,12 +327,11 @@ inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int
 
 inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k, const uint16_t* c) {
     const DU16 du;
-    constexpr int U = 2;
     const int a = k / 2;
-    int e = 0;
-    for (; e + U * kShorts <= n; e += U * kShorts) {
+    const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
+    auto block = [&](int e, auto units) HWY_ATTR {
+        constexpr int U = decltype(units)::value;
         VU16 acc[U];
-        const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
         for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::LoadU(du, rows[a] + e + u * kShorts), ca);
         for (int j = 0; j < a; ++j) {
             const VU16 cj = hn::Set(du, uint16_t(c[j] << 4));
@@ -324,7 +346,13 @@ inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k,
         for (int u = 0; u < U; ++u)
             StoreBytes16(out + e + u * kShorts,
                          hn::BitCast(DI16(), hn::ShiftRight<6>(hn::Add(acc[u], hn::Set(du, uint16_t(32))))));
-    }
+    };
+    using Two = std::integral_constant<int, 2>;
+    using One = std::integral_constant<int, 1>;
+    int e = 0;
+    for (; e + 2 * kShorts <= n; e += 2 * kShorts) block(e, Two());
+    for (; e + kShorts <= n; e += kShorts) block(e, One());
+    e = OverlapLast(e, n, kShorts, [&](int x) HWY_ATTR { block(x, One()); });
     for (; e < n; ++e) {
         uint32_t acc = (uint32_t(rows[a][e]) * c[a]) >> 13;
         for (int j = 0; j < a; ++j) acc += (((uint32_t(rows[j][e]) + rows[k - 1 - j][e] + 1) >> 1) * c[j]) >> 12;
@@ -364,8 +392,7 @@ inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int
         const int16_t cc = int16_t(uint16_t(uint8_t(c[2 * p])) | uint16_t(uint8_t(2 * p + 1 < k ? c[2 * p + 1] : 0)) << 8);
         pairs[p] = hn::BitCast(ds8, hn::Set(d16, cc));
     }
-    int e = 0;
-    for (; e + kBytes <= n; e += kBytes) {
+    auto block = [&](int e) HWY_ATTR {
         VI16 lo = hn::Zero(d16), hi = hn::Zero(d16);
         for (int p = 0; p < np; ++p) {
             const int i = 2 * p;
@@ -378,7 +405,10 @@ inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int
         BlocksInOrder(TruncShift16(lo, shift, negate), TruncShift16(hi, shift, negate), first, second);
         hn::StoreU(first, d16, out + e);
         hn::StoreU(second, d16, out + e + kShorts);
-    }
+    };
+    int e = 0;
+    for (; e + kBytes <= n; e += kBytes) block(e);
+    e = OverlapLast(e, n, kBytes, block);
     const FinScale fin{scale};
     for (; e < n; ++e) {
         int32_t s = 0;
@@ -433,6 +463,7 @@ void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int1
     int e = 0;
     for (; e + 2 * kShorts <= body; e += 2 * kShorts) block(e, 2);
     for (; e + kShorts <= body; e += kShorts) block(e, 1);
+    e = OverlapLast(e, body, kShorts, [&](int x) HWY_ATTR { block(x, 1); });
     for (; e < n; ++e) {
         float acc = float(c[0]) * scale * float(rows[0][e]);
         for (int j = 1; j < k; ++j) acc = acc + float(c[j]) * scale * float(rows[j][e]);
