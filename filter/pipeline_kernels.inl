@@ -101,6 +101,28 @@ HWY_INLINE int OverlapLast(int e, int n, int w, Block&& block) {
     return n;
 }
 
+// Conversions of floats known to lie inside the int32 range (clamped
+// before, or exact sums below 2^24): the plain instructions, without the
+// out-of-range fix-up of Highway's conversions.
+HWY_INLINE hn::Vec<DI32> RoundInRange(VF v) {
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Vec<DI32>{_mm512_cvtps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return hn::Vec<DI32>{_mm256_cvtps_epi32(v.raw)};
+#else
+    return hn::Vec<DI32>{_mm_cvtps_epi32(v.raw)};
+#endif
+}
+HWY_INLINE hn::Vec<DI32> TruncInRange(VF v) {
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Vec<DI32>{_mm512_cvttps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return hn::Vec<DI32>{_mm256_cvttps_epi32(v.raw)};
+#else
+    return hn::Vec<DI32>{_mm_cvttps_epi32(v.raw)};
+#endif
+}
+
 // ---------------------------------------------------------------------------
 // Loads and stores.
 
@@ -122,8 +144,7 @@ HWY_INLINE void StoreF(D* HWY_RESTRICT p, VF v) {
         hn::StoreU(v, df, p);
     } else {
         v = hn::Min(hn::Max(v, hn::Set(df, Range<D>::lo)), hn::Set(df, Range<D>::hi));
-        const DI32 di;
-        const auto i = C == Cvt::Trunc ? hn::ConvertTo(di, v) : hn::NearestInt(v);
+        const auto i = C == Cvt::Trunc ? TruncInRange(v) : RoundInRange(v);
         const hn::Rebind<D, DF> dd;
         hn::StoreU(hn::DemoteTo(dd, i), dd, p);
     }
@@ -236,10 +257,9 @@ struct FinScale {
     int16_t scalar(int32_t s) const { return cvt_scalar<int16_t, Cvt::Trunc>(float(s) * scale); }
     HWY_INLINE VI16 vec(VI32 lo, VI32 hi) const {
         const DF df;
-        const DI32 di;
         const VF sc = hn::Set(df, scale), a = hn::Set(df, -32768.f), b = hn::Set(df, 32767.f);
         auto one = [&](VI32 s) HWY_ATTR {
-            return hn::ConvertTo(di, hn::Min(hn::Max(hn::Mul(hn::ConvertTo(df, s), sc), a), b));
+            return TruncInRange(hn::Min(hn::Max(hn::Mul(hn::ConvertTo(df, s), sc), a), b));
         };
         return hn::ReorderDemote2To(DI16(), one(lo), one(hi));
     }
@@ -290,24 +310,41 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
 // The coefficients sum to at most 8192 (each is rounded from its exact
 // share of 4096 and at most 8192 of them reach 1), so no 16-bit sum overflows.
 
-inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int k, const uint16_t* c) {
+// K is the kernel length when fixed (3 or 5; its offsets and coefficients
+// stay in registers), 0 for any length.
+template <int K>
+void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int k, const uint16_t* c) {
     const DU16 du;
-    const int a = k / 2;
+    const int a = K ? K / 2 : k / 2;
+    constexpr int kHalf = K ? K / 2 : 1;
     const std::ptrdiff_t mid = std::ptrdiff_t(a) * stride;
     auto load = [&](const uint8_t* p) HWY_ATTR { return hn::BitCast(du, Load16(p)); };
     const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
+    VU16 cs[kHalf];
+    std::ptrdiff_t lo[kHalf], hi[kHalf];
+    auto tap = [&](int i, VU16& ci, std::ptrdiff_t& p, std::ptrdiff_t& q) HWY_ATTR {
+        ci = hn::Set(du, uint16_t(c[i] << 4));
+        p = std::ptrdiff_t(i) * stride;
+        q = std::ptrdiff_t(k - 1 - i) * stride;
+    };
+    if constexpr (K != 0)
+        for (int i = 0; i < kHalf; ++i) tap(i, cs[i], lo[i], hi[i]);
     // U vectors from e on; two independent chains hide the latencies.
     auto block = [&](int e, auto units) HWY_ATTR {
         constexpr int U = decltype(units)::value;
         VU16 acc[U];
         for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::ShiftLeft<8>(load(in + e + mid + u * kShorts)), ca);
         for (int i = 0; i < a; ++i) {
-            const VU16 ci = hn::Set(du, uint16_t(c[i] << 4));
-            const uint8_t* p = in + e + std::ptrdiff_t(i) * stride;
-            const uint8_t* q = in + e + std::ptrdiff_t(k - 1 - i) * stride;
-            for (int u = 0; u < U; ++u)
-                acc[u] = hn::Add(acc[u],
-                                 hn::MulHigh(hn::ShiftLeft<7>(hn::Add(load(p + u * kShorts), load(q + u * kShorts))), ci));
+            VU16 ci;
+            std::ptrdiff_t p, q;
+            if constexpr (K != 0)
+                ci = cs[i], p = lo[i], q = hi[i];
+            else
+                tap(i, ci, p, q);
+            for (int u = 0; u < U; ++u) {
+                const VU16 sum = hn::Add(load(in + e + p + u * kShorts), load(in + e + q + u * kShorts));
+                acc[u] = hn::Add(acc[u], hn::MulHigh(hn::ShiftLeft<7>(sum), ci));
+            }
         }
         for (int u = 0; u < U; ++u) hn::StoreU(acc[u], du, out + e + u * kShorts);
     };
@@ -325,27 +362,44 @@ inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int
     }
 }
 
-inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k, const uint16_t* c) {
+template <int K>
+void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k, const uint16_t* c) {
     const DU16 du;
-    const int a = k / 2;
+    const int a = K ? K / 2 : k / 2;
+    constexpr int kHalf = K ? K / 2 : 1;
     const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
+    const VU16 round = hn::Set(du, uint16_t(32));
+    const uint16_t* centre = rows[a];
+    VU16 cs[kHalf];
+    const uint16_t* lo[kHalf];
+    const uint16_t* hi[kHalf];
+    auto tap = [&](int j, VU16& cj, const uint16_t*& p, const uint16_t*& q) HWY_ATTR {
+        cj = hn::Set(du, uint16_t(c[j] << 4));
+        p = rows[j];
+        q = rows[k - 1 - j];
+    };
+    if constexpr (K != 0)
+        for (int j = 0; j < kHalf; ++j) tap(j, cs[j], lo[j], hi[j]);
     auto block = [&](int e, auto units) HWY_ATTR {
         constexpr int U = decltype(units)::value;
         VU16 acc[U];
-        for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::LoadU(du, rows[a] + e + u * kShorts), ca);
+        for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::LoadU(du, centre + e + u * kShorts), ca);
         for (int j = 0; j < a; ++j) {
-            const VU16 cj = hn::Set(du, uint16_t(c[j] << 4));
-            const uint16_t* p = rows[j] + e;
-            const uint16_t* q = rows[k - 1 - j] + e;
-            for (int u = 0; u < U; ++u)
-                acc[u] = hn::Add(acc[u], hn::MulHigh(hn::AverageRound(hn::LoadU(du, p + u * kShorts),
-                                                                      hn::LoadU(du, q + u * kShorts)),
-                                                     cj));
+            VU16 cj;
+            const uint16_t* p;
+            const uint16_t* q;
+            if constexpr (K != 0)
+                cj = cs[j], p = lo[j], q = hi[j];
+            else
+                tap(j, cj, p, q);
+            for (int u = 0; u < U; ++u) {
+                const VU16 avg = hn::AverageRound(hn::LoadU(du, p + e + u * kShorts), hn::LoadU(du, q + e + u * kShorts));
+                acc[u] = hn::Add(acc[u], hn::MulHigh(avg, cj));
+            }
         }
         // At most 1023 after the shift: the signed pack saturates to 255.
         for (int u = 0; u < U; ++u)
-            StoreBytes16(out + e + u * kShorts,
-                         hn::BitCast(DI16(), hn::ShiftRight<6>(hn::Add(acc[u], hn::Set(du, uint16_t(32))))));
+            StoreBytes16(out + e + u * kShorts, hn::BitCast(DI16(), hn::ShiftRight<6>(hn::Add(acc[u], round))));
     };
     using Two = std::integral_constant<int, 2>;
     using One = std::integral_constant<int, 1>;
@@ -379,25 +433,32 @@ HWY_INLINE VI16 TruncShift16(VI16 s, int shift, bool negate) {
 // Row pass of 8u sources: |k[i]| <= 127 and sum |k[i]| <= 128, so pairs of
 // taps fit the unsigned-by-signed byte multiply-add and every 16-bit partial
 // sum stays within +-32640. Output trunc(S / divisor).
-inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int k, const int16_t* c, int shift,
-                         bool negate, float scale) {
+// NP is the number of tap pairs when fixed (k = 3 or 5), 0 for any length.
+template <int NP>
+void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int k, const int16_t* c, int shift,
+                  bool negate, float scale) {
     const DU8 du8;
     const hn::Repartition<int8_t, DU8> ds8;
     const DI16 d16;
-    // Byte pairs of coefficients (the last padded with 0), built once per row;
-    // the shortcut is taken for k <= 128 only.
-    hn::Vec<decltype(ds8)> pairs[64];
-    const int np = (k + 1) / 2;
+    // Byte pairs of coefficients and the offsets of their two taps, built
+    // once per row; an odd length pairs its last tap with itself under a
+    // zero coefficient. The shortcut is taken for k <= 128 only.
+    constexpr int kMaxPairs = NP ? NP : 64;
+    const int np = NP ? NP : (k + 1) / 2;
+    hn::Vec<decltype(ds8)> pairs[kMaxPairs];
+    std::ptrdiff_t off0[kMaxPairs], off1[kMaxPairs];
     for (int p = 0; p < np; ++p) {
-        const int16_t cc = int16_t(uint16_t(uint8_t(c[2 * p])) | uint16_t(uint8_t(2 * p + 1 < k ? c[2 * p + 1] : 0)) << 8);
+        const bool odd = 2 * p + 1 == k;
+        const int16_t cc = int16_t(uint16_t(uint8_t(c[2 * p])) | uint16_t(uint8_t(odd ? 0 : c[2 * p + 1])) << 8);
         pairs[p] = hn::BitCast(ds8, hn::Set(d16, cc));
+        off0[p] = std::ptrdiff_t(2 * p) * stride;
+        off1[p] = std::ptrdiff_t(odd ? 2 * p : 2 * p + 1) * stride;
     }
     auto block = [&](int e) HWY_ATTR {
         VI16 lo = hn::Zero(d16), hi = hn::Zero(d16);
         for (int p = 0; p < np; ++p) {
-            const int i = 2 * p;
-            const auto a = hn::LoadU(du8, in + e + std::ptrdiff_t(i) * stride);
-            const auto b = i + 1 < k ? hn::LoadU(du8, in + e + std::ptrdiff_t(i + 1) * stride) : hn::Zero(du8);
+            const auto a = hn::LoadU(du8, in + e + off0[p]);
+            const auto b = hn::LoadU(du8, in + e + off1[p]);
             lo = hn::Add(lo, MulAddBytePairs(hn::InterleaveLower(du8, a, b), pairs[p]));
             hi = hn::Add(hi, MulAddBytePairs(hn::InterleaveUpper(du8, a, b), pairs[p]));
         }
@@ -419,38 +480,54 @@ inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int
 
 // Column pass of 16s rows into integer D: sum |k[j]| < 512, so S stays
 // below 2^24 and converts exactly; rounding as the single-precision path
-// (nearest in whole blocks of 16, truncation after).
-template <class D>
+// (nearest in whole blocks of 16, truncation after). NP is the number of
+// coefficient pairs when fixed (k = 3 or 5), 0 for any length.
+template <class D, int NP>
 void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int16_t* c, float scale) {
     const DF df;
     const DI16 d16;
     const hn::Repartition<int32_t, DI16> d32;
     const int body = n - n % 16;
     const VF sc = hn::Set(df, scale);
-    // Coefficient pairs (the last one padded with 0) built once per row.
+    // Pairs of rows and coefficients; an odd length pairs its last row with
+    // itself under a zero coefficient.
     constexpr int kMaxPairs = 16;
-    VI16 pairs[kMaxPairs];
-    const int np = (k + 1) / 2;
-    auto make = [&](int p) HWY_ATTR { return CoefPair(c[2 * p], 2 * p + 1 < k ? c[2 * p + 1] : 0); };
-    for (int p = 0; p < np && p < kMaxPairs; ++p) pairs[p] = make(p);
-    auto pair = [&](int p) HWY_ATTR { return p < kMaxPairs ? pairs[p] : make(p); };
-    auto finish = [&](VI32 s) HWY_ATTR { return hn::NearestInt(hn::Mul(hn::ConvertTo(df, s), sc)); };
-    // Two blocks per step keep two independent chains in flight.
-    auto block = [&](int e0, int nb) HWY_ATTR {
-        VI32 a0[2], a1[2];
-        for (int u = 0; u < nb; ++u) a0[u] = a1[u] = hn::Zero(d32);
-        for (int p = 0; p < np; ++p) {
-            const int16_t* r0 = rows[2 * p];
-            const int16_t* r1 = 2 * p + 1 < k ? rows[2 * p + 1] : nullptr;
-            const VI16 cc = pair(p);
-            for (int u = 0; u < nb; ++u) {
-                const int e = e0 + u * kShorts;
-                const VI16 a = hn::LoadU(d16, r0 + e), b = r1 ? hn::LoadU(d16, r1 + e) : hn::Zero(d16);
-                a0[u] = MulAddPairs(hn::InterleaveLower(d16, a, b), cc, a0[u]);
-                a1[u] = MulAddPairs(hn::InterleaveUpper(d16, a, b), cc, a1[u]);
+    const int np = NP ? NP : (k + 1) / 2;
+    VI16 pairs[NP ? NP : kMaxPairs];
+    const int16_t* r0[NP ? NP : kMaxPairs];
+    const int16_t* r1[NP ? NP : kMaxPairs];
+    auto set = [&](int slot, int p) HWY_ATTR {
+        const bool odd = 2 * p + 1 == k;
+        pairs[slot] = CoefPair(c[2 * p], odd ? 0 : c[2 * p + 1]);
+        r0[slot] = rows[2 * p];
+        r1[slot] = rows[odd ? 2 * p : 2 * p + 1];
+    };
+    auto finish = [&](VI32 s) HWY_ATTR { return RoundInRange(hn::Mul(hn::ConvertTo(df, s), sc)); };
+    // NB blocks from e0 on, pairs p0 .. p1-1 of the pair table.
+    auto block = [&](int e0, auto nb) HWY_ATTR {
+        constexpr int NB = decltype(nb)::value;
+        VI32 a0[NB], a1[NB];
+        for (int u = 0; u < NB; ++u) a0[u] = a1[u] = hn::Zero(d32);
+        auto add_pairs = [&](int count) HWY_ATTR {
+            for (int p = 0; p < count; ++p)
+                for (int u = 0; u < NB; ++u) {
+                    const int e = e0 + u * kShorts;
+                    const VI16 a = hn::LoadU(d16, r0[p] + e), b = hn::LoadU(d16, r1[p] + e);
+                    a0[u] = MulAddPairs(hn::InterleaveLower(d16, a, b), pairs[p], a0[u]);
+                    a1[u] = MulAddPairs(hn::InterleaveUpper(d16, a, b), pairs[p], a1[u]);
+                }
+        };
+        if constexpr (NP != 0) {
+            add_pairs(NP);
+        } else {
+            // Long kernels run through the pair table a slice at a time.
+            for (int p0 = 0; p0 < np; p0 += kMaxPairs) {
+                const int count = np - p0 < kMaxPairs ? np - p0 : kMaxPairs;
+                for (int p = 0; p < count; ++p) set(p, p0 + p);
+                add_pairs(count);
             }
         }
-        for (int u = 0; u < nb; ++u) {
+        for (int u = 0; u < NB; ++u) {
             // |S * scale| < 2^24: rounding first and saturating in the packs
             // equals clamping first.
             const VI16 r = hn::ReorderDemote2To(d16, finish(a0[u]), finish(a1[u]));
@@ -460,10 +537,14 @@ void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int1
                 StoreBytes16(out + e0 + u * kShorts, r);
         }
     };
+    if constexpr (NP != 0)
+        for (int p = 0; p < NP; ++p) set(p, p);
+    using Two = std::integral_constant<int, 2>;
+    using One = std::integral_constant<int, 1>;
     int e = 0;
-    for (; e + 2 * kShorts <= body; e += 2 * kShorts) block(e, 2);
-    for (; e + kShorts <= body; e += kShorts) block(e, 1);
-    e = OverlapLast(e, body, kShorts, [&](int x) HWY_ATTR { block(x, 1); });
+    for (; e + 2 * kShorts <= body; e += 2 * kShorts) block(e, Two());
+    for (; e + kShorts <= body; e += kShorts) block(e, One());
+    e = OverlapLast(e, body, kShorts, [&](int x) HWY_ATTR { block(x, One()); });
     for (; e < n; ++e) {
         float acc = float(c[0]) * scale * float(rows[0][e]);
         for (int j = 1; j < k; ++j) acc = acc + float(c[j]) * scale * float(rows[j][e]);
@@ -602,7 +683,12 @@ void row_job(const RowPass<S, D>& j) {
                 const bool negate = j.negate;
                 const float scale = j.scale;
                 each_row(j, [=](const uint8_t* in, int16_t* out, int n) HWY_ATTR {
-                    u8_pair_taps(in, out, n, ch, k, kern, shift, negate, scale);
+                    if (k == 3)
+                        u8_pair_taps<2>(in, out, n, ch, k, kern, shift, negate, scale);
+                    else if (k == 5)
+                        u8_pair_taps<3>(in, out, n, ch, k, kern, shift, negate, scale);
+                    else
+                        u8_pair_taps<0>(in, out, n, ch, k, kern, shift, negate, scale);
                 });
                 return;
             }
@@ -635,7 +721,12 @@ void column_job(const ColumnPass<S, D>& j) {
                 const int16_t* kern = j.kern;
                 const float scale = j.scale;
                 each_column_row(j, [=](const int16_t* const* r, D* out, int n) HWY_ATTR {
-                    s16_exact_rows(r, out, n, k, kern, scale);
+                    if (k == 3)
+                        s16_exact_rows<D, 2>(r, out, n, k, kern, scale);
+                    else if (k == 5)
+                        s16_exact_rows<D, 3>(r, out, n, k, kern, scale);
+                    else
+                        s16_exact_rows<D, 0>(r, out, n, k, kern, scale);
                 });
                 return;
             }
@@ -656,8 +747,22 @@ void gauss_job(const GaussImage<T>& j) {
         const uint16_t* c = reinterpret_cast<const uint16_t*>(j.table);
         separable_image<T, uint16_t, T>(
             j.src, j.srcStep, j.dst, j.dstStep, j.width, j.height, ch, k, j.border, j.value, j.buffers,
-            [=](const uint8_t* in, uint16_t* out, int n) HWY_ATTR { gauss8_taps(in, out, n, ch, k, c); },
-            [=](const uint16_t* const* rows, uint8_t* out, int n) HWY_ATTR { gauss8_rows(rows, out, n, k, c); });
+            [=](const uint8_t* in, uint16_t* out, int n) HWY_ATTR {
+                if (k == 3)
+                    gauss8_taps<3>(in, out, n, ch, k, c);
+                else if (k == 5)
+                    gauss8_taps<5>(in, out, n, ch, k, c);
+                else
+                    gauss8_taps<0>(in, out, n, ch, k, c);
+            },
+            [=](const uint16_t* const* rows, uint8_t* out, int n) HWY_ATTR {
+                if (k == 3)
+                    gauss8_rows<3>(rows, out, n, k, c);
+                else if (k == 5)
+                    gauss8_rows<5>(rows, out, n, k, c);
+                else
+                    gauss8_rows<0>(rows, out, n, k, c);
+            });
     } else {
         const TableCoefs c{j.table};
         const float post = 1.0f / 32768.0f;
