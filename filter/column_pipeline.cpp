@@ -24,8 +24,8 @@ bool exact_in_single(const int16_t* kern, int k, int divisor) {
 }
 
 template <class S, class D, class K>
-ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K* kern, int k, int divisor,
-                 Zeb8u* buf, int ch) {
+ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K* kern, int k, int divisor, Zeb8u* buf,
+                 int ch) {
     if (any_null(src, dst, kern)) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
     const int64_t rows = int64_t(roi.height) + k - 1;
@@ -98,45 +98,45 @@ ZebStatus zebiFilterColumnPipelineGetBufferSize_Low_16s_C3R(ZebiSize roi, int k,
 }
 
 // ---- column passes ----
-ZebStatus zebiFilterColumnPipeline_16s_C1R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16s_C1R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 1);
 }
-ZebStatus zebiFilterColumnPipeline_16s_C3R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16s_C3R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 3);
 }
-ZebStatus zebiFilterColumnPipeline_16s8u_C1R(const Zeb16s* const* src, Zeb8u* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16s8u_C1R(const Zeb16s* const* src, Zeb8u* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb8u>(src, dst, ds, roi, kern, k, div, buf, 1);
 }
-ZebStatus zebiFilterColumnPipeline_16s8u_C3R(const Zeb16s* const* src, Zeb8u* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16s8u_C3R(const Zeb16s* const* src, Zeb8u* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb8u>(src, dst, ds, roi, kern, k, div, buf, 3);
 }
-ZebStatus zebiFilterColumnPipeline_16s8s_C1R(const Zeb16s* const* src, Zeb8s* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16s8s_C1R(const Zeb16s* const* src, Zeb8s* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb8s>(src, dst, ds, roi, kern, k, div, buf, 1);
 }
-ZebStatus zebiFilterColumnPipeline_16s8s_C3R(const Zeb16s* const* src, Zeb8s* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16s8s_C3R(const Zeb16s* const* src, Zeb8s* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb8s>(src, dst, ds, roi, kern, k, div, buf, 3);
 }
-ZebStatus zebiFilterColumnPipeline_16u_C1R(const Zeb16u* const* src, Zeb16u* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16u_C1R(const Zeb16u* const* src, Zeb16u* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16u, Zeb16u>(src, dst, ds, roi, kern, k, div, buf, 1);
 }
-ZebStatus zebiFilterColumnPipeline_16u_C3R(const Zeb16u* const* src, Zeb16u* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_16u_C3R(const Zeb16u* const* src, Zeb16u* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16u, Zeb16u>(src, dst, ds, roi, kern, k, div, buf, 3);
 }
 // The reduced-precision forms give exactly the 16s results.
-ZebStatus zebiFilterColumnPipeline_Low_16s_C1R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_Low_16s_C1R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                               const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 1);
 }
-ZebStatus zebiFilterColumnPipeline_Low_16s_C3R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k,
-        int div, Zeb8u* buf) {
+ZebStatus zebiFilterColumnPipeline_Low_16s_C3R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                               const Zeb16s* kern, int k, int div, Zeb8u* buf) {
     return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 3);
 }
 

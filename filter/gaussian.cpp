@@ -197,35 +197,35 @@ ZebStatus zebiFilterGaussianInit(ZebiSize roi, Zeb32u kernelSize, Zeb32f sigma, 
 }
 
 ZebStatus zebiFilterGaussianBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, Zeb8u value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+                                          const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb8u>(src, ss, dst, ds, roi, &value, spec, buf, 1);
 }
-ZebStatus zebiFilterGaussianBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, const Zeb8u* value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+ZebStatus zebiFilterGaussianBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                          const Zeb8u* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb8u>(src, ss, dst, ds, roi, value, spec, buf, 3);
 }
 ZebStatus zebiFilterGaussianBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, Zeb16u value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+                                           const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb16u>(src, ss, dst, ds, roi, &value, spec, buf, 1);
 }
-ZebStatus zebiFilterGaussianBorder_16u_C3R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, const Zeb16u* value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+ZebStatus zebiFilterGaussianBorder_16u_C3R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                           const Zeb16u* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb16u>(src, ss, dst, ds, roi, value, spec, buf, 3);
 }
 ZebStatus zebiFilterGaussianBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, Zeb16s value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+                                           const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb16s>(src, ss, dst, ds, roi, &value, spec, buf, 1);
 }
-ZebStatus zebiFilterGaussianBorder_16s_C3R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, const Zeb16s* value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+ZebStatus zebiFilterGaussianBorder_16s_C3R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb16s>(src, ss, dst, ds, roi, value, spec, buf, 3);
 }
 ZebStatus zebiFilterGaussianBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, Zeb32f value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+                                           const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb32f>(src, ss, dst, ds, roi, &value, spec, buf, 1);
 }
-ZebStatus zebiFilterGaussianBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, const Zeb32f* value,
-        const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+ZebStatus zebiFilterGaussianBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                           const Zeb32f* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
     return gauss_border<Zeb32f>(src, ss, dst, ds, roi, value, spec, buf, 3);
 }
 

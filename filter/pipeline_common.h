@@ -18,9 +18,10 @@ template <class T>
 constexpr ZebDataType data_type() {
     static_assert(std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t> || std::is_same_v<T, int16_t> ||
                   std::is_same_v<T, float>);
-    return std::is_same_v<T, uint8_t> ? zeb8u : std::is_same_v<T, uint16_t> ? zeb16u
-                                            : std::is_same_v<T, int16_t>    ? zeb16s
-                                                                            : zeb32f;
+    return std::is_same_v<T, uint8_t>    ? zeb8u
+           : std::is_same_v<T, uint16_t> ? zeb16u
+           : std::is_same_v<T, int16_t>  ? zeb16s
+                                         : zeb32f;
 }
 
 // Conversion of a finished single-precision value to the destination.
@@ -71,14 +72,14 @@ struct TableCoefs {  // unsigned fixed-point table of a Gaussian kernel setup
 // pointer array names the rows each strip's column pass reads, and rows
 // wholly in a constant border share one precomputed filtered row.
 struct StripBuffers {
-    unsigned char* ring;    // ring rows, `pitch` bytes apart
+    unsigned char* ring;  // ring rows, `pitch` bytes apart
     std::ptrdiff_t pitch;
     int ringRows;
-    int strip;              // output rows per strip
-    void* constSrc;         // one source row of border values
-    void* constRow;         // its filtered row
-    void* edge;             // border-extended row ends of the row pass
-    const void** ptrs;      // strip + k - 1 row pointers
+    int strip;          // output rows per strip
+    void* constSrc;     // one source row of border values
+    void* constRow;     // its filtered row
+    void* edge;         // border-extended row ends of the row pass
+    const void** ptrs;  // strip + k - 1 row pointers
 };
 
 }  // namespace zeb::pipe

@@ -25,9 +25,9 @@ struct RowPass {
     S* edge;         // scratch of 2 * (2k - 2) * channels samples
     const float* c;  // k coefficients in single precision
     const int16_t* kern = nullptr;
-    float scale = 1.f;  // 1 / divisor
-    bool exact = false;  // integer sums of kern stay in 32 bits
-    int pairShift = -1;  // 8u: byte-pair shortcut with |divisor| == 2^pairShift
+    float scale = 1.f;    // 1 / divisor
+    bool exact = false;   // integer sums of kern stay in 32 bits
+    int pairShift = -1;   // 8u: byte-pair shortcut with |divisor| == 2^pairShift
     bool negate = false;  // the divisor is negative
 };
 

@@ -76,8 +76,18 @@ ZebStatus row_border(const S* src, int srcStep, D* const* dst, ZebiSize roi, con
 
     // Work buffer: the coefficients, then the border-extended row ends.
     float* c = reinterpret_cast<float*>(align_up(buf, 32));
-    RowPass<S, D> job{src, srcStep, dst, roi.width, roi.height, ch, k, a, border::decode(borderType), value,
-                      reinterpret_cast<S*>(c + k), c};
+    RowPass<S, D> job{src,
+                      srcStep,
+                      dst,
+                      roi.width,
+                      roi.height,
+                      ch,
+                      k,
+                      a,
+                      border::decode(borderType),
+                      value,
+                      reinterpret_cast<S*>(c + k),
+                      c};
     if constexpr (std::is_same_v<K, float>) {
         for (int i = 0; i < k; ++i) c[i] = kern[i];
     } else {
@@ -142,8 +152,8 @@ ZebStatus zebiFilterRowBorderPipeline_16s_C1R(const Zeb16s* src, int ss, Zeb16s*
     return row_border<Zeb16s, Zeb16s, Div::NonZero, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, divisor, buf);
 }
 ZebStatus zebiFilterRowBorderPipeline_16s_C3R(const Zeb16s* src, int ss, Zeb16s* const* dst, ZebiSize roi,
-                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt,
-                                              const Zeb16s* value, int divisor, Zeb8u* buf) {
+                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt, const Zeb16s* value,
+                                              int divisor, Zeb8u* buf) {
     return row_border<Zeb16s, Zeb16s, Div::NonZero, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor, buf);
 }
 // The reduced-precision forms give exactly the 16s results.
@@ -163,8 +173,8 @@ ZebStatus zebiFilterRowBorderPipeline_16u_C1R(const Zeb16u* src, int ss, Zeb16u*
     return row_border<Zeb16u, Zeb16u, Div::Positive, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, divisor, buf);
 }
 ZebStatus zebiFilterRowBorderPipeline_16u_C3R(const Zeb16u* src, int ss, Zeb16u* const* dst, ZebiSize roi,
-                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt,
-                                              const Zeb16u* value, int divisor, Zeb8u* buf) {
+                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt, const Zeb16u* value,
+                                              int divisor, Zeb8u* buf) {
     return row_border<Zeb16u, Zeb16u, Div::Positive, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor, buf);
 }
 ZebStatus zebiFilterRowBorderPipeline_8u16s_C1R(const Zeb8u* src, int ss, Zeb16s* const* dst, ZebiSize roi,
@@ -174,8 +184,8 @@ ZebStatus zebiFilterRowBorderPipeline_8u16s_C1R(const Zeb8u* src, int ss, Zeb16s
                                                               buf);
 }
 ZebStatus zebiFilterRowBorderPipeline_8u16s_C3R(const Zeb8u* src, int ss, Zeb16s* const* dst, ZebiSize roi,
-                                                const Zeb16s* kern, int k, int a, ZebiBorderType bt,
-                                                const Zeb8u* value, int divisor, Zeb8u* buf) {
+                                                const Zeb16s* kern, int k, int a, ZebiBorderType bt, const Zeb8u* value,
+                                                int divisor, Zeb8u* buf) {
     return row_border<Zeb8u, Zeb16s, Div::LateNonZero, false>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor,
                                                               buf);
 }
@@ -185,8 +195,8 @@ ZebStatus zebiFilterRowBorderPipeline_32f_C1R(const Zeb32f* src, int ss, Zeb32f*
     return row_border<Zeb32f, Zeb32f, Div::None, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, 1, buf);
 }
 ZebStatus zebiFilterRowBorderPipeline_32f_C3R(const Zeb32f* src, int ss, Zeb32f* const* dst, ZebiSize roi,
-                                              const Zeb32f* kern, int k, int a, ZebiBorderType bt,
-                                              const Zeb32f* value, Zeb8u* buf) {
+                                              const Zeb32f* kern, int k, int a, ZebiBorderType bt, const Zeb32f* value,
+                                              Zeb8u* buf) {
     return row_border<Zeb32f, Zeb32f, Div::None, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, 1, buf);
 }
 
