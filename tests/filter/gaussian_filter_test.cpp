@@ -159,20 +159,22 @@ TEST(GaussianSizes, OlderBufferSizeQuery) {
         int k;
         int* size;
     };
-    zt::checks::run(Table<A>{
-        "zebiFilterGaussGetBufferSize_32f_C1R",
-        [](Arena& m) { return A{kRoi, 5, m.array<int>("size", 1)}; },
-        [](int v, A& a) { return zeb_tbl_zebiFilterGaussGetBufferSize_32f_C1R[v](a.roi, a.k, a.size); },
-        {
-            {"null size, width 0", [](A& a) { a.size = nullptr, a.roi.width = 0; }, -8},
-            {"width 0, length 4", [](A& a) { a.roi.width = 0, a.k = 4; }, -6},
-            {"length 4", [](A& a) { a.k = 4; }, -5},
-            {"length -3", [](A& a) { a.k = -3; }, -5},
-            {"height INT_MAX", [](A& a) { a.roi.height = INT_MAX; }, 0},
-            {"width INT_MAX", [](A& a) { a.roi.width = INT_MAX; }, -6},
-            {"length INT_MAX", [](A& a) { a.k = INT_MAX; }, -6},
-            {"length 20000001", [](A& a) { a.k = 20000001; }, -6},
-        }});
+    zt::checks::run(
+        Table<A>{"zebiFilterGaussGetBufferSize_32f_C1R",
+                 [](Arena& m) {
+                     return A{kRoi, 5, m.array<int>("size", 1)};
+                 },
+                 [](int v, A& a) { return zeb_tbl_zebiFilterGaussGetBufferSize_32f_C1R[v](a.roi, a.k, a.size); },
+                 {
+                     {"null size, width 0", [](A& a) { a.size = nullptr, a.roi.width = 0; }, -8},
+                     {"width 0, length 4", [](A& a) { a.roi.width = 0, a.k = 4; }, -6},
+                     {"length 4", [](A& a) { a.k = 4; }, -5},
+                     {"length -3", [](A& a) { a.k = -3; }, -5},
+                     {"height INT_MAX", [](A& a) { a.roi.height = INT_MAX; }, 0},
+                     {"width INT_MAX", [](A& a) { a.roi.width = INT_MAX; }, -6},
+                     {"length INT_MAX", [](A& a) { a.k = INT_MAX; }, -6},
+                     {"length 20000001", [](A& a) { a.k = 20000001; }, -6},
+                 }});
 }
 
 struct InitArgs {
@@ -187,35 +189,47 @@ struct InitArgs {
 TEST(GaussianInit, CheckOrder) {
     using I = InitArgs;
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    zt::checks::run(Table<I>{
-        "zebiFilterGaussianInit",
-        [](Arena& m) {
-            int specBytes = 0, bufBytes = 0;
-            EXPECT_EQ(zebiFilterGaussianGetBufferSize(kRoi, 9, zeb32f, 3, &specBytes, &bufBytes), 0);
-            return I{kRoi, 5, 1.f, 1, zeb8u, 1, reinterpret_cast<ZebFilterGaussianSpec*>(m.block("spec", specBytes)),
-                     m.block("buffer", bufBytes)};
-        },
-        [](int v, I& a) { return zeb_tbl_zebiFilterGaussianInit[v](a.roi, a.k, a.sigma, a.bt, a.type, a.ch, a.spec, a.buf); },
-        {
-            {"null spec, width 0, length 4", [](I& a) { a.spec = nullptr, a.roi = {0, 0}, a.k = 4; }, -8},
-            {"null buffer", [](I& a) { a.buf = nullptr; }, -8},
-            {"width 0, length 4, sigma -1", [](I& a) { a.roi.width = 0, a.k = 4, a.sigma = -1; }, -6},
-            {"length 4, type 3, border 9", [](I& a) { a.k = 4, a.type = 3, a.bt = 9; }, -5},
-            {"length 1", [](I& a) { a.k = 1; }, -5},
-            {"type 8s, four channels", [](I& a) { a.type = zeb8s, a.ch = 4; }, -12},
-            {"four channels, sigma 0", [](I& a) { a.ch = 4, a.sigma = 0; }, -47},
-            {"sigma 0, border 9", [](I& a) { a.sigma = 0, a.bt = 9; }, -5},
-            {"sigma -2", [](I& a) { a.sigma = -2; }, -5},
-            {"sigma NaN", [nan](I& a) { a.sigma = nan; }, -5},
-            {"border 2", [](I& a) { a.bt = 2; }, -225},
-            {"border 4", [](I& a) { a.bt = 4; }, -225},
-            {"border 256 + 1", [](I& a) { a.bt = 257; }, -225},
-            {"border 16 + 1", [](I& a) { a.bt = 17; }, 0},
-            {"border 240 + 6, 16s", [](I& a) { a.bt = 246, a.type = zeb16s; }, 0},
-            {"border 32, 32f C3 length 9", [](I& a) { a.bt = 32, a.type = zeb32f, a.ch = 3, a.k = 9; }, 0},
-            // A negative odd length passes as unsigned and builds no table.
-            {"length -3", [](I& a) { a.k = Zeb32u(-3); }, 0},
-        }});
+    zt::checks::run(
+        Table<I>{"zebiFilterGaussianInit",
+                 [](Arena& m) {
+                     int specBytes = 0, bufBytes = 0;
+                     EXPECT_EQ(zebiFilterGaussianGetBufferSize(kRoi, 9, zeb32f, 3, &specBytes, &bufBytes), 0);
+                     return I{kRoi,
+                              5,
+                              1.f,
+                              1,
+                              zeb8u,
+                              1,
+                              reinterpret_cast<ZebFilterGaussianSpec*>(m.block("spec", specBytes)),
+                              m.block("buffer", bufBytes)};
+                 },
+                 [](int v, I& a) {
+                     return zeb_tbl_zebiFilterGaussianInit[v](a.roi, a.k, a.sigma, a.bt, a.type, a.ch, a.spec, a.buf);
+                 },
+                 {
+                     {"null spec, width 0, length 4",
+                      [](I& a) {
+                          a.spec = nullptr, a.roi = {0, 0}, a.k = 4;
+                      },
+                      -8},
+                     {"null buffer", [](I& a) { a.buf = nullptr; }, -8},
+                     {"width 0, length 4, sigma -1", [](I& a) { a.roi.width = 0, a.k = 4, a.sigma = -1; }, -6},
+                     {"length 4, type 3, border 9", [](I& a) { a.k = 4, a.type = 3, a.bt = 9; }, -5},
+                     {"length 1", [](I& a) { a.k = 1; }, -5},
+                     {"type 8s, four channels", [](I& a) { a.type = zeb8s, a.ch = 4; }, -12},
+                     {"four channels, sigma 0", [](I& a) { a.ch = 4, a.sigma = 0; }, -47},
+                     {"sigma 0, border 9", [](I& a) { a.sigma = 0, a.bt = 9; }, -5},
+                     {"sigma -2", [](I& a) { a.sigma = -2; }, -5},
+                     {"sigma NaN", [nan](I& a) { a.sigma = nan; }, -5},
+                     {"border 2", [](I& a) { a.bt = 2; }, -225},
+                     {"border 4", [](I& a) { a.bt = 4; }, -225},
+                     {"border 256 + 1", [](I& a) { a.bt = 257; }, -225},
+                     {"border 16 + 1", [](I& a) { a.bt = 17; }, 0},
+                     {"border 240 + 6, 16s", [](I& a) { a.bt = 246, a.type = zeb16s; }, 0},
+                     {"border 32, 32f C3 length 9", [](I& a) { a.bt = 32, a.type = zeb32f, a.ch = 3, a.k = 9; }, 0},
+                     // A negative odd length passes as unsigned and builds no table.
+                     {"length -3", [](I& a) { a.k = Zeb32u(-3); }, 0},
+                 }});
 }
 
 template <class T>
@@ -253,28 +267,38 @@ void filter_checks(const char* name, Fn* const* tbl, int ch) {
         {"spec length -3", field(0, -3), -5},
         {"spec border 3, type 8s", [](F& a) { a.spec[12] = 3, a.spec[8] = zeb8s; }, -225},
         {"spec of another type", field(2, std::is_same_v<T, float> ? zeb8u : zeb32f), -12},
-        {"1x1", [](F& a) { a.roi = {1, 1}; }, 0},
+        {"1x1",
+         [](F& a) {
+             a.roi = {1, 1};
+         },
+         0},
     };
     if (ch == 3) cases.push_back({"null border values", [](F& a) { a.value = nullptr; }, -8});
-    zt::checks::run(Table<F>{
-        name,
-        [ch](Arena& m) {
-            int specBytes = 0, bufBytes = 0;
-            EXPECT_EQ(zebiFilterGaussianGetBufferSize(kRoi, 5, data_type<T>(), ch, &specBytes, &bufBytes), 0);
-            auto src = m.image<T>("src", kRoi.width, kRoi.height, ch, 8);
-            auto dst = m.image<T>("dst", kRoi.width, kRoi.height, ch, 8);
-            F a{src.ptr, src.step, dst.ptr, dst.step, kRoi, m.array<T>("border values", 3), m.block("spec", specBytes),
-                m.block("buffer", bufBytes)};
-            EXPECT_EQ(zebiFilterGaussianInit(kRoi, 5, 1.2f, 1, data_type<T>(), ch,
-                                             reinterpret_cast<ZebFilterGaussianSpec*>(a.spec), a.buf),
-                      0);
-            return a;
-        },
-        [tbl](int v, F& a) {
-            return call<T>(tbl, v, a.src, a.ss, a.dst, a.ds, a.roi, a.value,
-                           reinterpret_cast<const ZebFilterGaussianSpec*>(a.spec), a.buf);
-        },
-        cases});
+    zt::checks::run(
+        Table<F>{name,
+                 [ch](Arena& m) {
+                     int specBytes = 0, bufBytes = 0;
+                     EXPECT_EQ(zebiFilterGaussianGetBufferSize(kRoi, 5, data_type<T>(), ch, &specBytes, &bufBytes), 0);
+                     auto src = m.image<T>("src", kRoi.width, kRoi.height, ch, 8);
+                     auto dst = m.image<T>("dst", kRoi.width, kRoi.height, ch, 8);
+                     F a{src.ptr,
+                         src.step,
+                         dst.ptr,
+                         dst.step,
+                         kRoi,
+                         m.array<T>("border values", 3),
+                         m.block("spec", specBytes),
+                         m.block("buffer", bufBytes)};
+                     EXPECT_EQ(zebiFilterGaussianInit(kRoi, 5, 1.2f, 1, data_type<T>(), ch,
+                                                      reinterpret_cast<ZebFilterGaussianSpec*>(a.spec), a.buf),
+                               0);
+                     return a;
+                 },
+                 [tbl](int v, F& a) {
+                     return call<T>(tbl, v, a.src, a.ss, a.dst, a.ds, a.roi, a.value,
+                                    reinterpret_cast<const ZebFilterGaussianSpec*>(a.spec), a.buf);
+                 },
+                 cases});
 }
 
 ZT_TARGET_SUITE(GaussianChecks);
@@ -303,32 +327,32 @@ TEST_P(GaussianChecks, OlderFilterOrder) {
         Zeb8u* buf;
     };
     const int row = kRoi.width * 4;
-    zt::checks::run(Table<A>{
-        "zebiFilterGaussBorder_32f_C1R",
-        [](Arena& m) {
-            int bytes = 0;
-            EXPECT_EQ(zebiFilterGaussGetBufferSize_32f_C1R(kRoi, 5, &bytes), 0);
-            auto src = m.image<float>("src", kRoi.width, kRoi.height, 1, 8);
-            auto dst = m.image<float>("dst", kRoi.width, kRoi.height, 1, 8);
-            return A{src.ptr, src.step, dst.ptr, dst.step, kRoi, 5, 1.f, 1, m.block("buffer", bytes)};
-        },
-        [](int v, A& a) {
-            return zeb_tbl_zebiFilterGaussBorder_32f_C1R[v](a.src, a.ss, a.dst, a.ds, a.roi, a.k, a.sigma, a.bt, 0.f,
-                                                            a.buf);
-        },
-        {
-            {"null src, width 0, length 4", [](A& a) { a.src = nullptr, a.roi.width = 0, a.k = 4; }, -8},
-            {"null dst", [](A& a) { a.dst = nullptr; }, -8},
-            {"null buffer", [](A& a) { a.buf = nullptr; }, -8},
-            {"short step, height 0", [row](A& a) { a.ss = row - 1, a.roi.height = 0; }, -14},
-            {"height -1, length 4", [](A& a) { a.roi.height = -1, a.k = 4; }, -6},
-            {"step not a multiple of 4, length 4", [](A& a) { a.ds += 2, a.k = 4; }, -108},
-            {"length 4, border 3", [](A& a) { a.k = 4, a.bt = 3; }, -5},
-            {"sigma 0, border 3", [](A& a) { a.sigma = 0, a.bt = 3; }, -5},
-            {"border 3", [](A& a) { a.bt = 3; }, -225},
-            {"border 16 + 8", [](A& a) { a.bt = 24; }, -225},
-            {"border 0", [](A& a) { a.bt = 0; }, 0},
-        }});
+    zt::checks::run(
+        Table<A>{"zebiFilterGaussBorder_32f_C1R",
+                 [](Arena& m) {
+                     int bytes = 0;
+                     EXPECT_EQ(zebiFilterGaussGetBufferSize_32f_C1R(kRoi, 5, &bytes), 0);
+                     auto src = m.image<float>("src", kRoi.width, kRoi.height, 1, 8);
+                     auto dst = m.image<float>("dst", kRoi.width, kRoi.height, 1, 8);
+                     return A{src.ptr, src.step, dst.ptr, dst.step, kRoi, 5, 1.f, 1, m.block("buffer", bytes)};
+                 },
+                 [](int v, A& a) {
+                     return zeb_tbl_zebiFilterGaussBorder_32f_C1R[v](a.src, a.ss, a.dst, a.ds, a.roi, a.k, a.sigma,
+                                                                     a.bt, 0.f, a.buf);
+                 },
+                 {
+                     {"null src, width 0, length 4", [](A& a) { a.src = nullptr, a.roi.width = 0, a.k = 4; }, -8},
+                     {"null dst", [](A& a) { a.dst = nullptr; }, -8},
+                     {"null buffer", [](A& a) { a.buf = nullptr; }, -8},
+                     {"short step, height 0", [row](A& a) { a.ss = row - 1, a.roi.height = 0; }, -14},
+                     {"height -1, length 4", [](A& a) { a.roi.height = -1, a.k = 4; }, -6},
+                     {"step not a multiple of 4, length 4", [](A& a) { a.ds += 2, a.k = 4; }, -108},
+                     {"length 4, border 3", [](A& a) { a.k = 4, a.bt = 3; }, -5},
+                     {"sigma 0, border 3", [](A& a) { a.sigma = 0, a.bt = 3; }, -5},
+                     {"border 3", [](A& a) { a.bt = 3; }, -225},
+                     {"border 16 + 8", [](A& a) { a.bt = 24; }, -225},
+                     {"border 0", [](A& a) { a.bt = 0; }, 0},
+                 }});
 }
 
 // ---- definitions ----
@@ -345,7 +369,8 @@ struct Source {
     T at(int x, int y, int c) const {
         const int mode = (bt & 0xf) == 6 ? 1 : bt & 0xf;
         const bool all = (bt & 0xf) == 6;
-        const bool top = all || (bt & 16), bottom = all || (bt & 32), left = all || (bt & 64), right = all || (bt & 128);
+        const bool top = all || (bt & 16), bottom = all || (bt & 32), left = all || (bt & 64),
+                   right = all || (bt & 128);
         if ((y < 0 && !top) || (y >= h && !bottom)) {
             if (mode == 0) return value[c];
             y = std::clamp(y, 0, h - 1);
@@ -441,7 +466,8 @@ void sweep_gauss(Fn* const* tbl, int ch) {
     for (int v = 0; v < 2; ++v) {
         for (int w : zt::test_widths())
             for (int h : {1, 2, 6, 23})
-                for (int k : {3, 5, 9}) check_gauss<T>(tbl, ch, v, w, h, k, 0.6f + 0.4f * float(k), borders[turn++ % 9]);
+                for (int k : {3, 5, 9})
+                    check_gauss<T>(tbl, ch, v, w, h, k, 0.6f + 0.4f * float(k), borders[turn++ % 9]);
         check_gauss<T>(tbl, ch, v, 45, 61, 15, 4.f, borders[turn++ % 9]);
     }
 }
@@ -472,14 +498,14 @@ TEST_P(GaussianFilter, OlderInterfaceMatchesPreparedFilter) {
                 Image<float> src(w + 2 * a, h + 2 * a), d1(w, h), d2(w, h);
                 auto prep = prepare({w, h}, k, 1.3f, bt, zeb32f, 1);
                 const float* roi = &src.at(a, a);
-                ASSERT_EQ(zeb_tbl_zebiFilterGaussianBorder_32f_C1R[v](roi, src.step(), d1.ptr(), d1.step(), {w, h}, 7.5f,
-                                                                       prep->s(), prep->buf.data()),
+                ASSERT_EQ(zeb_tbl_zebiFilterGaussianBorder_32f_C1R[v](roi, src.step(), d1.ptr(), d1.step(), {w, h},
+                                                                      7.5f, prep->s(), prep->buf.data()),
                           0);
                 int size = 0;
                 ASSERT_EQ(zebiFilterGaussGetBufferSize_32f_C1R({w, h}, k, &size), 0);
                 zt::Guarded buf(size);
                 ASSERT_EQ(zeb_tbl_zebiFilterGaussBorder_32f_C1R[v](roi, src.step(), d2.ptr(), d2.step(), {w, h}, k,
-                                                                    1.3f, bt, 7.5f, buf.data()),
+                                                                   1.3f, bt, 7.5f, buf.data()),
                           0);
                 EXPECT_EQ(d1.pixels(), d2.pixels()) << "variant " << v << " bt=" << bt << " k=" << k;
             }
@@ -524,7 +550,8 @@ void expect_near_opencv(Fn* const* tbl, int ch, int k, float sigma, int bt) {
     cv::GaussianBlur(src.mat(), want, cv::Size(k, k), sigma, sigma, cvBorder);
     src.mat().convertTo(src64, CV_64F);
     cv::GaussianBlur(src64, want64, cv::Size(k, k), sigma, sigma, cvBorder);
-    if constexpr (!std::is_same_v<T, float>) want64.forEach<double>([](double& v, const int*) { v = std::nearbyint(v); });
+    if constexpr (!std::is_same_v<T, float>)
+        want64.forEach<double>([](double& v, const int*) { v = std::nearbyint(v); });
     dst.mat().convertTo(dst64, CV_64F);
     double allowed = 1, peak = 0;
     cv::minMaxLoc(cv::abs(src64), nullptr, &peak);
@@ -539,7 +566,8 @@ void expect_near_opencv(Fn* const* tbl, int ch, int k, float sigma, int bt) {
     EXPECT_LE(cv::norm(want64, dst64, cv::NORM_INF), allowed)
         << "vs double: k=" << k << " sigma=" << sigma << " bt=" << bt << " ch=" << ch;
     if (std::is_same_v<T, uint8_t> && k > 7) allowed = 2;
-    EXPECT_LE(cv::norm(want, dst.mat(), cv::NORM_INF), allowed) << "k=" << k << " sigma=" << sigma << " bt=" << bt << " ch=" << ch;
+    EXPECT_LE(cv::norm(want, dst.mat(), cv::NORM_INF), allowed)
+        << "k=" << k << " sigma=" << sigma << " bt=" << bt << " ch=" << ch;
 }
 
 ZT_TARGET_SUITE(GaussianOpenCV);
