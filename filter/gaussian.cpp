@@ -38,15 +38,16 @@ bool bad_border(int32_t bt) {
     return m != border::kConst && m != border::kRepl && m != border::kInMem;
 }
 
-// Lengths and widths beyond these would make the buffer sizes overflow
-// their 32-bit counts.
-constexpr int64_t kMaxLength = int64_t(1) << 24, kMaxWidth = int64_t(1) << 25;
+// Longer kernels never have a buffer size that fits an int (the row pass
+// alone takes more than 32 bytes per tap). Up to this length, with any
+// width, every term of the sizes stays below 2^62.
+constexpr int64_t kMaxLength = int64_t(1) << 26;
 
 // Buffer bytes for a length-k filter over w x h with ch channels: a block
 // for border rows, the ring of filtered rows, the row- and column-pass
 // areas, the row pointers. -1 when not representable.
 int64_t buffer_bytes(ZebiSize roi, int64_t k, int32_t type, int ch) {
-    if (k > kMaxLength || roi.width > kMaxWidth) return -1;
+    if (k > kMaxLength) return -1;
     const int64_t w = roi.width, hp = roi.height < k ? roi.height : k;
     const bool c3 = ch == 3;
     auto r8 = [](int64_t v) { return (v + 7) / 8 * 8; };
@@ -235,7 +236,7 @@ ZebStatus zebiFilterGaussGetBufferSize_32f_C1R(ZebiSize roi, int k, int* size) {
     if (!size) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
     if (k < 3 || k % 2 == 0) return zebStsBadArgErr;
-    // Each factor is below 2^32, so no product leaves 64 bits.
+    if (k > kMaxLength) return zebStsSizeErr;
     const int64_t s = int64_t(roi.width) + k, kk = k;
     int64_t n = 32 * ((s + 7) / 8) * kk + 16 * ((kk + 3) / 4) + 32 + 16 * ((s + 3) / 4) * 2 * kk + 64;
     n += pipeline_size::row_32f_c1(k) + 32 + pipeline_size::col_float_or_16u() + 32 + 8 * 2 * kk + 32;
@@ -251,7 +252,7 @@ ZebStatus zebiFilterGaussBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, 
     if (ZebStatus s = even_steps({rs, rd})) return s;
     if (k < 3 || k % 2 == 0 || !(sigma > 0.f)) return zebStsBadArgErr;
     if (bad_border(bt)) return zebStsBorderErr;
-    if (k > kMaxLength || roi.width > kMaxWidth) return zebStsSizeErr;
+    if (k > kMaxLength) return zebStsSizeErr;
     // The coefficient table first, then the filter's own areas.
     float* c = reinterpret_cast<float*>(align_up(buf, 32));
     float_table(k, sigma, c);
