@@ -146,6 +146,16 @@ HWY_INLINE void StoreF(D* HWY_RESTRICT p, VF v) {
         v = hn::Min(hn::Max(v, hn::Set(df, Range<D>::lo)), hn::Set(df, Range<D>::hi));
         const auto i = C == Cvt::Trunc ? TruncInRange(v) : RoundInRange(v);
         const hn::Rebind<D, DF> dd;
+#if HWY_TARGET == HWY_SSSE3
+        if constexpr (std::is_same_v<D, uint16_t>) {
+            // No unsigned 32-to-16-bit pack here: shift the range to signed,
+            // pack with signed saturation (exact after the clamp), shift back.
+            const hn::Rebind<int16_t, DF> ds;
+            const auto s16 = hn::DemoteTo(ds, hn::Sub(i, hn::Set(DI32(), 32768)));
+            hn::StoreU(hn::BitCast(dd, hn::Xor(s16, hn::Set(ds, int16_t(-32768)))), dd, p);
+            return;
+        }
+#endif
         hn::StoreU(hn::DemoteTo(dd, i), dd, p);
     }
 }
