@@ -15,15 +15,22 @@ const ZebiSize kRoi{kW, kH};
 
 int step(const cv::Mat& m) { return int(m.step); }
 
+// The work-buffer size a pass's query gives for the benchmark ROI.
+int buffer_size(ZebStatus (*query)(ZebiSize, int, int*), int k) {
+    int bytes = 0;
+    ZB_CHECK(query(kRoi, k, &bytes));
+    return bytes;
+}
+
 // A prepared Gaussian filter: kernel setup and work buffer.
 struct Gauss {
     std::vector<Zeb8u> spec, buf;
     Gauss(int k, float sigma, ZebDataType type, int ch) {
         int s = 0, b = 0;
-        zebiFilterGaussianGetBufferSize(kRoi, Zeb32u(k), type, ch, &s, &b);
+        ZB_CHECK(zebiFilterGaussianGetBufferSize(kRoi, Zeb32u(k), type, ch, &s, &b));
         spec.resize(s);
         buf.resize(b);
-        zebiFilterGaussianInit(kRoi, Zeb32u(k), sigma, zebBorderRepl, type, ch, this->s(), buf.data());
+        ZB_CHECK(zebiFilterGaussianInit(kRoi, Zeb32u(k), sigma, zebBorderRepl, type, ch, this->s(), buf.data()));
     }
     ZebFilterGaussianSpec* s() { return reinterpret_cast<ZebFilterGaussianSpec*>(spec.data()); }
 };
@@ -82,30 +89,30 @@ struct Strips {
 ZB_PAIR("GaussianBorder_8u_C1R 5x5 s1.5",
         [] {
             auto& b = buf();
-            zebiFilterGaussianBorder_8u_C1R(b.a8.data, step(b.a8), b.d8.data, step(b.d8), kRoi, 0, b.g8.s(),
-                                            b.g8.buf.data());
+            ZB_CHECK(zebiFilterGaussianBorder_8u_C1R(b.a8.data, step(b.a8), b.d8.data, step(b.d8), kRoi, 0, b.g8.s(),
+                                                     b.g8.buf.data()));
         },
         [] { auto& b = buf(); cv::GaussianBlur(b.a8, b.d8, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
 ZB_PAIR("GaussianBorder_8u_C3R 5x5 s1.5",
         [] {
             auto& b = buf();
             const Zeb8u v[3] = {0, 0, 0};
-            zebiFilterGaussianBorder_8u_C3R(b.a8c3.data, step(b.a8c3), b.d8c3.data, step(b.d8c3), kRoi, v, b.g8c3.s(),
-                                            b.g8c3.buf.data());
+            ZB_CHECK(zebiFilterGaussianBorder_8u_C3R(b.a8c3.data, step(b.a8c3), b.d8c3.data, step(b.d8c3), kRoi, v,
+                                                     b.g8c3.s(), b.g8c3.buf.data()));
         },
         [] { auto& b = buf(); cv::GaussianBlur(b.a8c3, b.d8c3, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
 ZB_PAIR("GaussianBorder_32f_C1R 11x11 s3",
         [] {
             auto& b = buf();
-            zebiFilterGaussianBorder_32f_C1R(b.af.ptr<Zeb32f>(), step(b.af), b.df.ptr<Zeb32f>(), step(b.df), kRoi, 0.f,
-                                             b.gf.s(), b.gf.buf.data());
+            ZB_CHECK(zebiFilterGaussianBorder_32f_C1R(b.af.ptr<Zeb32f>(), step(b.af), b.df.ptr<Zeb32f>(), step(b.df),
+                                                      kRoi, 0.f, b.gf.s(), b.gf.buf.data()));
         },
         [] { auto& b = buf(); cv::GaussianBlur(b.af, b.df, cv::Size(11, 11), 3, 3, cv::BORDER_REPLICATE); }, 0);
 ZB_PAIR("GaussianBorder_16u_C1R 5x5 s1.5",
         [] {
             auto& b = buf();
-            zebiFilterGaussianBorder_16u_C1R(b.a16.ptr<Zeb16u>(), step(b.a16), b.d16.ptr<Zeb16u>(), step(b.d16), kRoi, 0,
-                                             b.g16.s(), b.g16.buf.data());
+            ZB_CHECK(zebiFilterGaussianBorder_16u_C1R(b.a16.ptr<Zeb16u>(), step(b.a16), b.d16.ptr<Zeb16u>(),
+                                                      step(b.d16), kRoi, 0, b.g16.s(), b.g16.buf.data()));
         },
         [] { auto& b = buf(); cv::GaussianBlur(b.a16, b.d16, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
 
@@ -115,13 +122,15 @@ const Zeb16s kI5[5] = {1, 4, 6, 4, 1};
 ZB_PAIR("RowBorderPipeline+Column_32f_C1R 5x5",
         [] {
             auto& b = buf();
-            static Strips<float, float, float> s(5, 128 * 5 + 96, 32);
+            static Strips<float, float, float> s(5, buffer_size(zebiFilterRowBorderPipelineGetBufferSize_32f_C1R, 5),
+                                                 buffer_size(zebiFilterColumnPipelineGetBufferSize_32f_C1R, 5));
             s.run(b.af, b.df,
                   [&](const float* src, int ss, float* const* d, ZebiSize r) {
-                      zebiFilterRowBorderPipeline_32f_C1R(src, ss, d, r, kF5, 5, 2, zebBorderRepl, 0.f, s.rowBuf.data());
+                      ZB_CHECK(zebiFilterRowBorderPipeline_32f_C1R(src, ss, d, r, kF5, 5, 2, zebBorderRepl, 0.f,
+                                                                   s.rowBuf.data()));
                   },
                   [&](const float* const* p, float* d, int ds, ZebiSize r) {
-                      zebiFilterColumnPipeline_32f_C1R(p, d, ds, r, kF5, 5, s.colBuf.data());
+                      ZB_CHECK(zebiFilterColumnPipeline_32f_C1R(p, d, ds, r, kF5, 5, s.colBuf.data()));
                   });
         },
         [] {
@@ -133,13 +142,15 @@ ZB_PAIR("RowBorderPipeline+Column_32f_C1R 5x5",
 ZB_PAIR("RowBorderPipeline8u16s+Column16s8u_C1R 5x5",
         [] {
             auto& b = buf();
-            static Strips<uint8_t, int16_t, uint8_t> s(5, 36 * 5 + 144, 12 * kW + 64);
+            static Strips<uint8_t, int16_t, uint8_t> s(5, buffer_size(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R, 5),
+                                                        buffer_size(zebiFilterColumnPipelineGetBufferSize_16s8u_C1R, 5));
             s.run(b.a8, b.d8,
                   [&](const uint8_t* src, int ss, int16_t* const* d, ZebiSize r) {
-                      zebiFilterRowBorderPipeline_8u16s_C1R(src, ss, d, r, kI5, 5, 2, zebBorderRepl, 0, 1, s.rowBuf.data());
+                      ZB_CHECK(zebiFilterRowBorderPipeline_8u16s_C1R(src, ss, d, r, kI5, 5, 2, zebBorderRepl, 0, 1,
+                                                                     s.rowBuf.data()));
                   },
                   [&](const int16_t* const* p, uint8_t* d, int ds, ZebiSize r) {
-                      zebiFilterColumnPipeline_16s8u_C1R(p, d, ds, r, kI5, 5, 256, s.colBuf.data());
+                      ZB_CHECK(zebiFilterColumnPipeline_16s8u_C1R(p, d, ds, r, kI5, 5, 256, s.colBuf.data()));
                   });
         },
         [] {

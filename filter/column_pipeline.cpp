@@ -4,20 +4,13 @@
 #include <limits>
 #include <type_traits>
 
-#include "core/border.h"
 #include "core/checks.h"
 #include "core/dispatch.h"
-#include "core/row_driver.h"
-#include "filter/pipeline_common.h"
+#include "filter/pipeline_dispatch.h"
 #include "filter/pipeline_sizes.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
-
-using namespace ::zeb::pipe;
-
-#define ZEB_KERNELS "filter/pipeline_kernels.inl"
-#include "core/isa_expand.h"
 
 // Whether the single-precision sums of 16s rows are exact: a divisor of
 // +-2^s (exact scaled coefficients) and sum |k| < 512 (every product and
@@ -31,8 +24,8 @@ bool exact_in_single(const int16_t* kern, int k, int divisor) {
 }
 
 template <class S, class D, class K>
-ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K* kern, int k, int divisor,
-                 Zeb8u* buf, int ch) {
+ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K* kern, int k, int divisor, Zeb8u* buf,
+                 int ch) {
     if (any_null(src, dst, kern)) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
     const int64_t rows = int64_t(roi.height) + k - 1;
@@ -44,78 +37,108 @@ ZebStatus column(const S* const* src, D* dst, int dstStep, ZebiSize roi, const K
     if (!buf) return zebStsNullPtrErr;
     if (!std::is_same_v<K, float> && divisor == 0) return zebStsBadArgErr;
 
-    const int w = roi.width, h = roi.height;
+    pipe::ColumnPass<S, D> job{src, dst, dstStep, roi.width, roi.height, ch, k};
     if constexpr (std::is_same_v<K, float>) {
-        const FloatCoefs cf{kern};
-        if (use_avx2())
-            avx2::column_job<S, D, Cvt::None, false>(src, dst, dstStep, w, h, ch, k, cf);
-        else
-            ssse3::column_job<S, D, Cvt::None, false>(src, dst, dstStep, w, h, ch, k, cf);
+        job.c = kern;
     } else {
-        // Coefficients pKernel[i] * (1.0f / divisor); 16-bit signed results
-        // round to nearest in whole blocks of 16 values and truncate after.
-        const ScaledCoefs cf{kern, 1.0f / float(divisor)};
-        constexpr bool kTail = std::is_same_v<S, int16_t>;
-        if constexpr (kTail) {
-            if (exact_in_single(kern, k, divisor)) {
-                if (use_avx2())
-                    avx2::column_exact_job(src, dst, dstStep, w, h, ch, k, kern, cf.scale);
-                else
-                    ssse3::column_exact_job(src, dst, dstStep, w, h, ch, k, kern, cf.scale);
-                return zebStsNoErr;
-            }
-        }
-        if (use_avx2())
-            avx2::column_job<S, D, Cvt::Nearest, kTail>(src, dst, dstStep, w, h, ch, k, cf);
-        else
-            ssse3::column_job<S, D, Cvt::Nearest, kTail>(src, dst, dstStep, w, h, ch, k, cf);
+        // Coefficients pKernel[i] * (1.0f / divisor).
+        job.kern = kern;
+        job.scale = 1.0f / float(divisor);
+        job.exact = std::is_same_v<S, int16_t> && exact_in_single(kern, k, divisor);
     }
+    pipe::run_column_pass(job);
     return zebStsNoErr;
 }
 
-ZebStatus column_size(ZebiSize roi, int k, int* size, int32_t value) {
+// The column-pass sizes depend on the width only.
+ZebStatus column_size(ZebiSize roi, int k, int* size, int64_t bytes) {
     if (!size) return zebStsNullPtrErr;
     if (bad_roi(roi) || k < 1) return zebStsSizeErr;
-    *size = value;
-    return zebStsNoErr;
+    return put_size(bytes, size);
 }
 
 }  // namespace
 
 // ---- buffer sizes ----
-#define ZEB_COL_SIZE(name, expr) \
-    ZebStatus name(ZebiSize roi, int k, int* size) { return column_size(roi, k, size, pipeline_size::expr); }
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16s_C1R, col_16s_c1(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16s_C3R, col_16s_c3(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16s8u_C1R, col_16s_c1(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16s8u_C3R, col_16s_c3(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16s8s_C1R, col_16s_c1(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16s8s_C3R, col_16s_c3(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16u_C1R, col_float_or_16u())
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_16u_C3R, col_float_or_16u())
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_32f_C1R, col_float_or_16u())
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_32f_C3R, col_float_or_16u())
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_Low_16s_C1R, col_low_16s_c1(roi.width))
-ZEB_COL_SIZE(zebiFilterColumnPipelineGetBufferSize_Low_16s_C3R, col_low_16s_c3(roi.width))
-#undef ZEB_COL_SIZE
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16s_C1R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_16s_c1(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16s_C3R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_16s_c3(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16s8u_C1R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_16s_c1(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16s8u_C3R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_16s_c3(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16s8s_C1R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_16s_c1(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16s8s_C3R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_16s_c3(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16u_C1R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_float_or_16u());
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_16u_C3R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_float_or_16u());
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_32f_C1R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_float_or_16u());
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_32f_C3R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_float_or_16u());
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_Low_16s_C1R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_low_16s_c1(roi.width));
+}
+ZebStatus zebiFilterColumnPipelineGetBufferSize_Low_16s_C3R(ZebiSize roi, int k, int* size) {
+    return column_size(roi, k, size, pipeline_size::col_low_16s_c3(roi.width));
+}
 
 // ---- column passes ----
-#define ZEB_COL_INT(name, S, D, ch)                                                                       \
-    ZebStatus name(const S* const* src, D* dst, int ds, ZebiSize roi, const Zeb16s* kern, int k, int div, \
-                   Zeb8u* buf) {                                                                          \
-        return column<S, D>(src, dst, ds, roi, kern, k, div, buf, ch);                                    \
-    }
-ZEB_COL_INT(zebiFilterColumnPipeline_16s_C1R, Zeb16s, Zeb16s, 1)
-ZEB_COL_INT(zebiFilterColumnPipeline_16s_C3R, Zeb16s, Zeb16s, 3)
-ZEB_COL_INT(zebiFilterColumnPipeline_16s8u_C1R, Zeb16s, Zeb8u, 1)
-ZEB_COL_INT(zebiFilterColumnPipeline_16s8u_C3R, Zeb16s, Zeb8u, 3)
-ZEB_COL_INT(zebiFilterColumnPipeline_16s8s_C1R, Zeb16s, Zeb8s, 1)
-ZEB_COL_INT(zebiFilterColumnPipeline_16s8s_C3R, Zeb16s, Zeb8s, 3)
-ZEB_COL_INT(zebiFilterColumnPipeline_16u_C1R, Zeb16u, Zeb16u, 1)
-ZEB_COL_INT(zebiFilterColumnPipeline_16u_C3R, Zeb16u, Zeb16u, 3)
-ZEB_COL_INT(zebiFilterColumnPipeline_Low_16s_C1R, Zeb16s, Zeb16s, 1)
-ZEB_COL_INT(zebiFilterColumnPipeline_Low_16s_C3R, Zeb16s, Zeb16s, 3)
-#undef ZEB_COL_INT
+ZebStatus zebiFilterColumnPipeline_16s_C1R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 1);
+}
+ZebStatus zebiFilterColumnPipeline_16s_C3R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 3);
+}
+ZebStatus zebiFilterColumnPipeline_16s8u_C1R(const Zeb16s* const* src, Zeb8u* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb8u>(src, dst, ds, roi, kern, k, div, buf, 1);
+}
+ZebStatus zebiFilterColumnPipeline_16s8u_C3R(const Zeb16s* const* src, Zeb8u* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb8u>(src, dst, ds, roi, kern, k, div, buf, 3);
+}
+ZebStatus zebiFilterColumnPipeline_16s8s_C1R(const Zeb16s* const* src, Zeb8s* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb8s>(src, dst, ds, roi, kern, k, div, buf, 1);
+}
+ZebStatus zebiFilterColumnPipeline_16s8s_C3R(const Zeb16s* const* src, Zeb8s* dst, int ds, ZebiSize roi,
+                                             const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb8s>(src, dst, ds, roi, kern, k, div, buf, 3);
+}
+ZebStatus zebiFilterColumnPipeline_16u_C1R(const Zeb16u* const* src, Zeb16u* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16u, Zeb16u>(src, dst, ds, roi, kern, k, div, buf, 1);
+}
+ZebStatus zebiFilterColumnPipeline_16u_C3R(const Zeb16u* const* src, Zeb16u* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16u, Zeb16u>(src, dst, ds, roi, kern, k, div, buf, 3);
+}
+// The reduced-precision forms give exactly the 16s results.
+ZebStatus zebiFilterColumnPipeline_Low_16s_C1R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                               const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 1);
+}
+ZebStatus zebiFilterColumnPipeline_Low_16s_C3R(const Zeb16s* const* src, Zeb16s* dst, int ds, ZebiSize roi,
+                                               const Zeb16s* kern, int k, int div, Zeb8u* buf) {
+    return column<Zeb16s, Zeb16s>(src, dst, ds, roi, kern, k, div, buf, 3);
+}
 
 ZebStatus zebiFilterColumnPipeline_32f_C1R(const Zeb32f* const* src, Zeb32f* dst, int ds, ZebiSize roi,
                                            const Zeb32f* kern, int k, Zeb8u* buf) {
@@ -126,7 +149,7 @@ ZebStatus zebiFilterColumnPipeline_32f_C3R(const Zeb32f* const* src, Zeb32f* dst
     return column<Zeb32f, Zeb32f>(src, dst, ds, roi, kern, k, 1, buf, 3);
 }
 
-}  // namespace zeb::ZEB_VNS
+}  // namespace zeb::impl
 
 ZEB_EXPORT(zebiFilterColumnPipelineGetBufferSize_16s_C1R);
 ZEB_EXPORT(zebiFilterColumnPipelineGetBufferSize_16s_C3R);

@@ -9,19 +9,16 @@
 #include "core/border.h"
 #include "core/checks.h"
 #include "core/dispatch.h"
-#include "core/row_driver.h"
 #include "filter/pipeline_common.h"
+#include "filter/pipeline_dispatch.h"
 #include "filter/pipeline_sizes.h"
 
 struct ZebFilterGaussianSpec;
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
-using namespace ::zeb::pipe;
-
-#define ZEB_KERNELS "filter/pipeline_kernels.inl"
-#include "core/isa_expand.h"
+using pipe::StripBuffers;
 
 // Header of a kernel setup block: five 32-bit fields, then the table at
 // the first 16-byte boundary at or after byte 20.
@@ -41,39 +38,38 @@ bool bad_border(int32_t bt) {
     return m != border::kConst && m != border::kRepl && m != border::kInMem;
 }
 
-// Lengths and widths beyond these would make the buffer sizes overflow
-// their 32-bit counts.
-constexpr int64_t kMaxLength = int64_t(1) << 24, kMaxWidth = int64_t(1) << 25;
+// Longer kernels never have a buffer size that fits an int (the row pass
+// alone takes more than 32 bytes per tap). Up to this length, with any
+// width, every term of the sizes stays below 2^62.
+constexpr int64_t kMaxLength = int64_t(1) << 26;
 
 // Buffer bytes for a length-k filter over w x h with ch channels: a block
 // for border rows, the ring of filtered rows, the row- and column-pass
 // areas, the row pointers. -1 when not representable.
 int64_t buffer_bytes(ZebiSize roi, int64_t k, int32_t type, int ch) {
-    if (k > kMaxLength || roi.width > kMaxWidth) return -1;
+    if (k > kMaxLength) return -1;
     const int64_t w = roi.width, hp = roi.height < k ? roi.height : k;
-    const int32_t k32 = int32_t(k), w32 = roi.width;
     const bool c3 = ch == 3;
     auto r8 = [](int64_t v) { return (v + 7) / 8 * 8; };
     int64_t n;
     if (type == zeb32f) {
         const int64_t L = r8((w + k) * ch);
         n = 4 * k * L + 32 + 4 * (hp + k) * L + 64;
-        n += (c3 ? pipeline_size::row_32f_c3(k32) : pipeline_size::row_32f_c1(k32)) + 32;
+        n += (c3 ? pipeline_size::row_32f_c3(k) : pipeline_size::row_32f_c1(k)) + 32;
         n += pipeline_size::col_float_or_16u() + 32;
     } else {
         n = 2 * (hp + k) * r8((w + k) * ch) + 64 + 2 * (r8((w + k - 1) * ch) * (k & ~int64_t(1)) + 16);
         if (type == zeb8u)
-            n += (c3 ? pipeline_size::row_8u16s_c3(k32) : pipeline_size::row_8u16s_c1(k32)) + 32 +
-                 (c3 ? pipeline_size::col_16s_c3(w32) : pipeline_size::col_16s_c1(w32)) + 32;
+            n += (c3 ? pipeline_size::row_8u16s_c3(k) : pipeline_size::row_8u16s_c1(k)) + 32 +
+                 (c3 ? pipeline_size::col_16s_c3(w) : pipeline_size::col_16s_c1(w)) + 32;
         else if (type == zeb16u)
-            n += (c3 ? pipeline_size::row_16u_c3(k32) : pipeline_size::row_16u_c1(k32)) + 32 +
+            n += (c3 ? pipeline_size::row_16u_c3(k) : pipeline_size::row_16u_c1(k)) + 32 +
                  pipeline_size::col_float_or_16u() + 32;
         else
-            n += (c3 ? pipeline_size::row_16s_c3(k32) : pipeline_size::row_16s_c1(k32)) + 32 +
-                 (c3 ? pipeline_size::col_16s_c3(w32) : pipeline_size::col_16s_c1(w32)) + 32;
+            n += (c3 ? pipeline_size::row_16s_c3(k) : pipeline_size::row_16s_c1(k)) + 32 +
+                 (c3 ? pipeline_size::col_16s_c3(w) : pipeline_size::col_16s_c1(w)) + 32;
     }
-    n += 8 * (hp + k) + 32;
-    return n > std::numeric_limits<int32_t>::max() ? -1 : n;
+    return n + 8 * (hp + k) + 32;
 }
 
 int64_t spec_bytes(int64_t k, int32_t type) {
@@ -125,22 +121,11 @@ StripBuffers carve(unsigned char* buf, int w, int h, int ch, int k) {
 }
 
 template <class T>
-constexpr int32_t type_code() {
-    return std::is_same_v<T, uint8_t> ? zeb8u : std::is_same_v<T, uint16_t> ? zeb16u
-                                            : std::is_same_v<T, int16_t>    ? zeb16s
-                                                                            : zeb32f;
-}
-
-template <class T>
 void run(const T* src, int ss, T* dst, int ds, ZebiSize roi, int ch, int k, int32_t bt, const T* value,
          unsigned char* buf, const unsigned char* tab) {
     using M = std::conditional_t<std::is_same_v<T, uint8_t>, uint16_t, T>;
-    const StripBuffers b = carve<T, M>(buf, roi.width, roi.height, ch, k);
-    const border::Spec bs = border::decode(bt);
-    if (use_avx2())
-        avx2::gauss_job(src, ss, dst, ds, roi.width, roi.height, ch, k, bs, value, b, tab);
-    else
-        ssse3::gauss_job(src, ss, dst, ds, roi.width, roi.height, ch, k, bs, value, b, tab);
+    pipe::run_gauss(pipe::GaussImage<T>{src, ss, dst, ds, roi.width, roi.height, ch, k, border::decode(bt), value,
+                                        carve<T, M>(buf, roi.width, roi.height, ch, k), tab});
 }
 
 template <class T>
@@ -154,7 +139,7 @@ ZebStatus gauss_border(const T* src, int ss, T* dst, int ds, ZebiSize roi, const
     const int32_t k = field(spec, kLength);
     if (k < 3 || k % 2 == 0) return zebStsBadArgErr;
     if (bad_border(field(spec, kBorder))) return zebStsBorderErr;
-    if (field(spec, kType) != type_code<T>()) return zebStsDataTypeErr;
+    if (field(spec, kType) != pipe::data_type<T>()) return zebStsDataTypeErr;
     run(src, ss, dst, ds, roi, ch, k, field(spec, kBorder), value, buf, table(static_cast<const void*>(spec)));
     return zebStsNoErr;
 }
@@ -168,10 +153,12 @@ ZebStatus zebiFilterGaussianGetBufferSize(ZebiSize roi, Zeb32u kernelSize, ZebDa
     if (kernelSize <= 2 || kernelSize % 2 == 0) return zebStsBadArgErr;
     if (!known_type(type)) return zebStsDataTypeErr;
     if (ch != 1 && ch != 3) return zebStsChannelErr;
+    // Both sizes fit, or neither is written.
     const int64_t n = buffer_bytes(roi, kernelSize, type, ch);
-    if (n < 0) return zebStsSizeErr;
-    *specSize = int32_t(spec_bytes(kernelSize, type));
-    *bufSize = int32_t(n);
+    int spec = 0;
+    if (ZebStatus s = put_size(spec_bytes(kernelSize, type), &spec)) return s;
+    if (ZebStatus s = put_size(n, bufSize)) return s;
+    *specSize = spec;
     return zebStsNoErr;
 }
 
@@ -186,7 +173,7 @@ ZebStatus zebiFilterGaussianInit(ZebiSize roi, Zeb32u kernelSize, Zeb32f sigma, 
     if (bad_border(bt)) return zebStsBorderErr;
     // A negative length (odd, so it passed as unsigned) builds no table.
     const int32_t k = int32_t(kernelSize);
-    if (k > kMaxLength) return zebStsSizeErr;
+    if (k > kMaxLength) return zebStsSizeErr;  // no buffer size exists for it
     set_field(spec, kLength, k);
     set_field(spec, kOffset, kHeaderBytes);
     set_field(spec, kType, type);
@@ -210,20 +197,38 @@ ZebStatus zebiFilterGaussianInit(ZebiSize roi, Zeb32u kernelSize, Zeb32f sigma, 
     return zebStsNoErr;
 }
 
-#define ZEB_GAUSS(name, T, ch, V, addr)                                                                     \
-    ZebStatus name(const T* src, int ss, T* dst, int ds, ZebiSize roi, V value,                            \
-                   const ZebFilterGaussianSpec* spec, Zeb8u* buf) {                                         \
-        return gauss_border<T>(src, ss, dst, ds, roi, addr, spec, buf, ch);                                  \
-    }
-ZEB_GAUSS(zebiFilterGaussianBorder_8u_C1R, Zeb8u, 1, Zeb8u, &value)
-ZEB_GAUSS(zebiFilterGaussianBorder_8u_C3R, Zeb8u, 3, const Zeb8u*, value)
-ZEB_GAUSS(zebiFilterGaussianBorder_16u_C1R, Zeb16u, 1, Zeb16u, &value)
-ZEB_GAUSS(zebiFilterGaussianBorder_16u_C3R, Zeb16u, 3, const Zeb16u*, value)
-ZEB_GAUSS(zebiFilterGaussianBorder_16s_C1R, Zeb16s, 1, Zeb16s, &value)
-ZEB_GAUSS(zebiFilterGaussianBorder_16s_C3R, Zeb16s, 3, const Zeb16s*, value)
-ZEB_GAUSS(zebiFilterGaussianBorder_32f_C1R, Zeb32f, 1, Zeb32f, &value)
-ZEB_GAUSS(zebiFilterGaussianBorder_32f_C3R, Zeb32f, 3, const Zeb32f*, value)
-#undef ZEB_GAUSS
+ZebStatus zebiFilterGaussianBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, Zeb8u value,
+                                          const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb8u>(src, ss, dst, ds, roi, &value, spec, buf, 1);
+}
+ZebStatus zebiFilterGaussianBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                          const Zeb8u* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb8u>(src, ss, dst, ds, roi, value, spec, buf, 3);
+}
+ZebStatus zebiFilterGaussianBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, Zeb16u value,
+                                           const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb16u>(src, ss, dst, ds, roi, &value, spec, buf, 1);
+}
+ZebStatus zebiFilterGaussianBorder_16u_C3R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                           const Zeb16u* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb16u>(src, ss, dst, ds, roi, value, spec, buf, 3);
+}
+ZebStatus zebiFilterGaussianBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, Zeb16s value,
+                                           const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb16s>(src, ss, dst, ds, roi, &value, spec, buf, 1);
+}
+ZebStatus zebiFilterGaussianBorder_16s_C3R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                           const Zeb16s* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb16s>(src, ss, dst, ds, roi, value, spec, buf, 3);
+}
+ZebStatus zebiFilterGaussianBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, Zeb32f value,
+                                           const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb32f>(src, ss, dst, ds, roi, &value, spec, buf, 1);
+}
+ZebStatus zebiFilterGaussianBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                           const Zeb32f* value, const ZebFilterGaussianSpec* spec, Zeb8u* buf) {
+    return gauss_border<Zeb32f>(src, ss, dst, ds, roi, value, spec, buf, 3);
+}
 
 // ---- older one-call interface ----
 
@@ -231,13 +236,11 @@ ZebStatus zebiFilterGaussGetBufferSize_32f_C1R(ZebiSize roi, int k, int* size) {
     if (!size) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
     if (k < 3 || k % 2 == 0) return zebStsBadArgErr;
-    if (k > kMaxLength || roi.width > kMaxWidth) return zebStsSizeErr;
+    if (k > kMaxLength) return zebStsSizeErr;
     const int64_t s = int64_t(roi.width) + k, kk = k;
     int64_t n = 32 * ((s + 7) / 8) * kk + 16 * ((kk + 3) / 4) + 32 + 16 * ((s + 3) / 4) * 2 * kk + 64;
     n += pipeline_size::row_32f_c1(k) + 32 + pipeline_size::col_float_or_16u() + 32 + 8 * 2 * kk + 32;
-    if (n > std::numeric_limits<int32_t>::max()) return zebStsSizeErr;
-    *size = int32_t(n);
-    return zebStsNoErr;
+    return put_size(n, size);
 }
 
 ZebStatus zebiFilterGaussBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, int k,
@@ -249,7 +252,7 @@ ZebStatus zebiFilterGaussBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, 
     if (ZebStatus s = even_steps({rs, rd})) return s;
     if (k < 3 || k % 2 == 0 || !(sigma > 0.f)) return zebStsBadArgErr;
     if (bad_border(bt)) return zebStsBorderErr;
-    if (k > kMaxLength || roi.width > kMaxWidth) return zebStsSizeErr;
+    if (k > kMaxLength) return zebStsSizeErr;
     // The coefficient table first, then the filter's own areas.
     float* c = reinterpret_cast<float*>(align_up(buf, 32));
     float_table(k, sigma, c);
@@ -258,7 +261,7 @@ ZebStatus zebiFilterGaussBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, 
     return zebStsNoErr;
 }
 
-}  // namespace zeb::ZEB_VNS
+}  // namespace zeb::impl
 
 ZEB_EXPORT(zebiFilterGaussianGetBufferSize);
 ZEB_EXPORT(zebiFilterGaussianInit);

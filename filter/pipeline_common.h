@@ -3,8 +3,7 @@
 // the Gaussian filter's strip buffers.
 #pragma once
 
-#include <immintrin.h>
-
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -13,6 +12,17 @@
 #include "core/frame.h"
 
 namespace zeb::pipe {
+
+// The data-type code of a sample type (8u, 16u, 16s, 32f).
+template <class T>
+constexpr ZebDataType data_type() {
+    static_assert(std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t> || std::is_same_v<T, int16_t> ||
+                  std::is_same_v<T, float>);
+    return std::is_same_v<T, uint8_t>    ? zeb8u
+           : std::is_same_v<T, uint16_t> ? zeb16u
+           : std::is_same_v<T, int16_t>  ? zeb16s
+                                         : zeb32f;
+}
 
 // Conversion of a finished single-precision value to the destination.
 enum class Cvt { None, Trunc, Nearest };
@@ -23,13 +33,15 @@ struct Range {
     static constexpr float hi = float(std::numeric_limits<D>::max());
 };
 
+// Clamps to D's range, then truncates or rounds to nearest (ties to even,
+// the rounding mode every thread runs in); the vector stores do the same.
 template <class D, Cvt C>
 inline D cvt_scalar(float v) {
     if constexpr (std::is_same_v<D, float>) {
         return v;
     } else {
         v = v < Range<D>::lo ? Range<D>::lo : (v > Range<D>::hi ? Range<D>::hi : v);
-        return D(C == Cvt::Trunc ? _mm_cvttss_si32(_mm_set_ss(v)) : _mm_cvtss_si32(_mm_set_ss(v)));
+        return D(int32_t(C == Cvt::Trunc ? v : std::nearbyint(v)));
     }
 }
 
@@ -60,14 +72,14 @@ struct TableCoefs {  // unsigned fixed-point table of a Gaussian kernel setup
 // pointer array names the rows each strip's column pass reads, and rows
 // wholly in a constant border share one precomputed filtered row.
 struct StripBuffers {
-    unsigned char* ring;    // ring rows, `pitch` bytes apart
+    unsigned char* ring;  // ring rows, `pitch` bytes apart
     std::ptrdiff_t pitch;
     int ringRows;
-    int strip;              // output rows per strip
-    void* constSrc;         // one source row of border values
-    void* constRow;         // its filtered row
-    void* edge;             // border-extended row ends of the row pass
-    const void** ptrs;      // strip + k - 1 row pointers
+    int strip;          // output rows per strip
+    void* constSrc;     // one source row of border values
+    void* constRow;     // its filtered row
+    void* edge;         // border-extended row ends of the row pass
+    const void** ptrs;  // strip + k - 1 row pointers
 };
 
 }  // namespace zeb::pipe

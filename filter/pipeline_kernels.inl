@@ -1,152 +1,170 @@
 // Row and column kernels of the separable filters (row pass, column pass and
-// the Gaussian filter built on them), compiled once per instruction-set path
-// (see core/isa_expand.h). Every vector loop has a scalar twin that performs
-// the same operations in the same order, so heads, tails and whole rows agree
-// bit for bit on every path.
+// the Gaussian filter built on them), compiled once per vector target
+// (Highway's foreach_target re-includes this file from
+// filter/pipeline_kernels.cpp). Every vector loop has a scalar twin that
+// performs the same operations in the same order, so heads, tails and
+// whole rows agree bit for bit on every target.
+#if defined(ZEB_FILTER_PIPELINE_KERNELS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_FILTER_PIPELINE_KERNELS_
+#undef ZEB_FILTER_PIPELINE_KERNELS_
+#else
+#define ZEB_FILTER_PIPELINE_KERNELS_
+#endif
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#include "core/border.h"
+#include "core/frame.h"
+#include "core/simd-inl.h"
+#include "filter/pipeline_common.h"
+#include "filter/pipeline_dispatch.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE::pipe {
 
 using namespace ::zeb::pipe;
 
-inline constexpr int kLanes = ZEB_VEC_BYTES / 4;  // floats per vector
-inline constexpr int kShorts = ZEB_VEC_BYTES / 2;  // 16-bit values per vector
+using DF = Vd<float>;
+using DI32 = hn::Rebind<int32_t, DF>;
+using DI16 = Vd<int16_t>;
+using DU16 = Vd<uint16_t>;
+using DU8 = Vd<uint8_t>;
+using VF = hn::Vec<DF>;
+using VI16 = hn::Vec<DI16>;
+using VU16 = hn::Vec<DU16>;
+using VI32 = hn::Vec<hn::Repartition<int32_t, DI16>>;
+
+inline constexpr int kLanes = int(hn::MaxLanes(DF()));     // floats per vector
+inline constexpr int kShorts = int(hn::MaxLanes(DI16()));  // 16-bit values per vector
+inline constexpr int kBytes = int(hn::MaxLanes(DU8()));    // bytes per vector
 // Independent accumulators of the float kernels: each output is a serial
 // chain of k additions, so enough chains must be in flight to hide the
 // adder's latency.
-inline constexpr int kFloatUnroll = kUnroll < 4 ? 4 : kUnroll;
+inline constexpr int kFloatChains = 4;
 
-#if ZEB_VEC_BYTES == 32
-typedef __m256 vf;
-typedef __m256i vi;
-inline vf f_set1(float v) { return _mm256_set1_ps(v); }
-inline vf f_add(vf a, vf b) { return _mm256_add_ps(a, b); }
-inline vf f_mul(vf a, vf b) { return _mm256_mul_ps(a, b); }
-inline vf f_clamp(vf v, vf lo, vf hi) { return _mm256_min_ps(_mm256_max_ps(v, lo), hi); }
-inline vi f_cvt(vf v) { return _mm256_cvtps_epi32(v); }
-inline vi f_cvtt(vf v) { return _mm256_cvttps_epi32(v); }
-inline vf i_to_f(vi v) { return _mm256_cvtepi32_ps(v); }
-inline vi i_zero() { return _mm256_setzero_si256(); }
-inline vi i_set1(int32_t v) { return _mm256_set1_epi32(v); }
-inline vi i_add(vi a, vi b) { return _mm256_add_epi32(a, b); }
-inline vi i_madd(vi a, vi b) { return _mm256_madd_epi16(a, b); }
-inline vi i_lo16(vi a, vi b) { return _mm256_unpacklo_epi16(a, b); }
-inline vi i_hi16(vi a, vi b) { return _mm256_unpackhi_epi16(a, b); }
-template <int n>
-inline vi i_sra(vi v) { return _mm256_srai_epi32(v, n); }
-inline vi i_packs(vi a, vi b) { return _mm256_packs_epi32(a, b); }
-inline vi i_loadu(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
-inline void i_storeu(void* p, vi v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
+// ---------------------------------------------------------------------------
+// Target-specific integer multiply-adds Highway 1.0.3 does not offer on
+// every target.
 
-template <class T>
-inline vf load_f(const T* p) {
-    if constexpr (std::is_same_v<T, float>) {
-        return _mm256_loadu_ps(p);
-    } else if constexpr (std::is_same_v<T, uint8_t>) {
-        return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
-    } else if constexpr (std::is_same_v<T, int16_t>) {
-        return _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
-    } else {
-        return _mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
-    }
+// sum + (a[2i] * b[2i] + a[2i+1] * b[2i+1]) per 32-bit lane, exact.
+HWY_INLINE VI32 MulAddPairs(VI16 a, VI16 b, VI32 sum) {
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Add(sum, VI32{_mm512_madd_epi16(a.raw, b.raw)});
+#else
+    const hn::Repartition<int32_t, DI16> d32;
+    VI32 unused = hn::Zero(d32);
+    return hn::ReorderWidenMulAccumulate(d32, a, b, sum, unused);
+#endif
 }
+
+// u[2i] * s[2i] + u[2i+1] * s[2i+1] per 16-bit lane: unsigned bytes u times
+// signed bytes s, saturated (callers keep the sums in range).
+HWY_INLINE VI16 MulAddBytePairs(hn::Vec<DU8> u, hn::Vec<hn::Repartition<int8_t, DU8>> s) {
+#if HWY_TARGET <= HWY_AVX3
+    return VI16{_mm512_maddubs_epi16(u.raw, s.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return VI16{_mm256_maddubs_epi16(u.raw, s.raw)};
+#else
+    return VI16{_mm_maddubs_epi16(u.raw, s.raw)};
+#endif
+}
+
+// lo holds elements 0..7 and hi elements 8..15 of every 16-byte block of
+// a row; first and second receive the row's elements in order.
+HWY_INLINE void BlocksInOrder(VI16 lo, VI16 hi, VI16& first, VI16& second) {
+#if HWY_TARGET <= HWY_AVX3
+    const __m512i i0 = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
+    const __m512i i1 = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
+    first = VI16{_mm512_permutex2var_epi64(lo.raw, i0, hi.raw)};
+    second = VI16{_mm512_permutex2var_epi64(lo.raw, i1, hi.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    const DI16 d;
+    first = hn::ConcatLowerLower(d, hi, lo);
+    second = hn::ConcatUpperUpper(d, hi, lo);
+#else
+    first = lo;
+    second = hi;
+#endif
+}
+
+// After the whole blocks of w outputs below e, what is left of n (if any)
+// as one more block ending at n: it overlaps the block before and writes
+// some outputs again with the same values (no kernel writes over its
+// input). Rows shorter than a block are left to the scalar tail.
+template <class Block>
+HWY_INLINE int OverlapLast(int e, int n, int w, Block&& block) {
+    if (e >= n || n < w) return e;
+    block(n - w);
+    return n;
+}
+
+// Conversions of floats known to lie inside the int32 range (clamped
+// before, or exact sums below 2^24): the plain instructions, without the
+// out-of-range fix-up of Highway's conversions.
+HWY_INLINE hn::Vec<DI32> RoundInRange(VF v) {
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Vec<DI32>{_mm512_cvtps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return hn::Vec<DI32>{_mm256_cvtps_epi32(v.raw)};
+#else
+    return hn::Vec<DI32>{_mm_cvtps_epi32(v.raw)};
+#endif
+}
+HWY_INLINE hn::Vec<DI32> TruncInRange(VF v) {
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Vec<DI32>{_mm512_cvttps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return hn::Vec<DI32>{_mm256_cvttps_epi32(v.raw)};
+#else
+    return hn::Vec<DI32>{_mm_cvttps_epi32(v.raw)};
+#endif
+}
+
+// ---------------------------------------------------------------------------
+// Loads and stores.
+
 // kShorts samples widened to 16-bit lanes.
 template <class T>
-inline vi load16(const T* p) {
+HWY_INLINE VI16 Load16(const T* HWY_RESTRICT p) {
+    const DI16 d;
     if constexpr (std::is_same_v<T, uint8_t>)
-        return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+        return hn::BitCast(d, hn::PromoteTo(DU16(), hn::LoadU(hn::Rebind<uint8_t, DU16>(), p)));
     else
-        return i_loadu(p);
+        return hn::LoadU(d, p);
 }
-// The two 128-bit halves of an int32 vector, low elements first.
-inline __m128i half_lo(vi v) { return _mm256_castsi256_si128(v); }
-inline __m128i half_hi(vi v) { return _mm256_extracti128_si256(v, 1); }
-// kShorts bytes from 16-bit lanes that already hold byte values.
-inline void store_bytes16(void* p, vi v, bool isSigned) {
-    const vi b = isSigned ? _mm256_packs_epi16(v, v) : _mm256_packus_epi16(v, v);
-    _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(_mm256_permute4x64_epi64(b, 0x08)));
-}
-#else
-typedef __m128 vf;
-typedef __m128i vi;
-inline vf f_set1(float v) { return _mm_set1_ps(v); }
-inline vf f_add(vf a, vf b) { return _mm_add_ps(a, b); }
-inline vf f_mul(vf a, vf b) { return _mm_mul_ps(a, b); }
-inline vf f_clamp(vf v, vf lo, vf hi) { return _mm_min_ps(_mm_max_ps(v, lo), hi); }
-inline vi f_cvt(vf v) { return _mm_cvtps_epi32(v); }
-inline vi f_cvtt(vf v) { return _mm_cvttps_epi32(v); }
-inline vf i_to_f(vi v) { return _mm_cvtepi32_ps(v); }
-inline vi i_zero() { return _mm_setzero_si128(); }
-inline vi i_set1(int32_t v) { return _mm_set1_epi32(v); }
-inline vi i_add(vi a, vi b) { return _mm_add_epi32(a, b); }
-inline vi i_madd(vi a, vi b) { return _mm_madd_epi16(a, b); }
-inline vi i_lo16(vi a, vi b) { return _mm_unpacklo_epi16(a, b); }
-inline vi i_hi16(vi a, vi b) { return _mm_unpackhi_epi16(a, b); }
-template <int n>
-inline vi i_sra(vi v) { return _mm_srai_epi32(v, n); }
-inline vi i_packs(vi a, vi b) { return _mm_packs_epi32(a, b); }
-inline vi i_loadu(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
-inline void i_storeu(void* p, vi v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 
-template <class T>
-inline vf load_f(const T* p) {
-    const __m128i z = _mm_setzero_si128();
-    if constexpr (std::is_same_v<T, float>) {
-        return _mm_loadu_ps(p);
-    } else if constexpr (std::is_same_v<T, uint8_t>) {
-        const __m128i b = _mm_cvtsi32_si128(load_u<int32_t>(p));
-        return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(b, z), z));
-    } else if constexpr (std::is_same_v<T, int16_t>) {
-        const __m128i s = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
-        return _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(s, s), 16));
-    } else {
-        return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), z));
-    }
-}
-template <class T>
-inline vi load16(const T* p) {
-    if constexpr (std::is_same_v<T, uint8_t>)
-        return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
-    else
-        return i_loadu(p);
-}
-inline __m128i half_lo(vi v) { return v; }
-inline __m128i half_hi(vi v) { return v; }
-inline void store_bytes16(void* p, vi v, bool isSigned) {
-    const vi b = isSigned ? _mm_packs_epi16(v, v) : _mm_packus_epi16(v, v);
-    _mm_storel_epi64(static_cast<__m128i*>(p), b);
-}
-#endif
-
-// kLanes converted values; clamps first so that the packs are exact.
+// kLanes converted values; clamps first so that the demotions are exact.
 template <class D, Cvt C>
-inline void store_f(D* p, vf v) {
+HWY_INLINE void StoreF(D* HWY_RESTRICT p, VF v) {
+    const DF df;
     if constexpr (std::is_same_v<D, float>) {
-        std::memcpy(p, &v, sizeof v);
+        hn::StoreU(v, df, p);
     } else {
-        v = f_clamp(v, f_set1(Range<D>::lo), f_set1(Range<D>::hi));
-        const vi i = C == Cvt::Trunc ? f_cvtt(v) : f_cvt(v);
-        const __m128i lo = half_lo(i), hi = half_hi(i);
-        __m128i s16;
+        v = hn::Min(hn::Max(v, hn::Set(df, Range<D>::lo)), hn::Set(df, Range<D>::hi));
+        const auto i = C == Cvt::Trunc ? TruncInRange(v) : RoundInRange(v);
+        const hn::Rebind<D, DF> dd;
+#if HWY_TARGET == HWY_SSSE3
         if constexpr (std::is_same_v<D, uint16_t>) {
-            const __m128i bias = _mm_set1_epi32(32768);
-            s16 = _mm_xor_si128(_mm_packs_epi32(_mm_sub_epi32(lo, bias), _mm_sub_epi32(hi, bias)),
-                                _mm_set1_epi16(int16_t(0x8000)));
-        } else {
-            s16 = _mm_packs_epi32(lo, hi);
+            // No unsigned 32-to-16-bit pack here: shift the range to signed,
+            // pack with signed saturation (exact after the clamp), shift back.
+            const hn::Rebind<int16_t, DF> ds;
+            const auto s16 = hn::DemoteTo(ds, hn::Sub(i, hn::Set(DI32(), 32768)));
+            hn::StoreU(hn::BitCast(dd, hn::Xor(s16, hn::Set(ds, int16_t(-32768)))), dd, p);
+            return;
         }
-        if constexpr (sizeof(D) == 2) {
-            if constexpr (kLanes == 8)
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(p), s16);
-            else
-                _mm_storel_epi64(reinterpret_cast<__m128i*>(p), s16);
-        } else {
-            const __m128i b = std::is_signed_v<D> ? _mm_packs_epi16(s16, s16) : _mm_packus_epi16(s16, s16);
-            if constexpr (kLanes == 8) {
-                _mm_storel_epi64(reinterpret_cast<__m128i*>(p), b);
-            } else {
-                const int32_t w = _mm_cvtsi128_si32(b);
-                std::memcpy(p, &w, 4);
-            }
-        }
+#endif
+        hn::StoreU(hn::DemoteTo(dd, i), dd, p);
     }
+}
+
+// kShorts bytes (D is int8_t or uint8_t) from 16-bit lanes, saturated.
+template <class D>
+HWY_INLINE void StoreBytes16(D* HWY_RESTRICT p, VI16 v) {
+    const hn::Rebind<D, DI16> d8;
+    hn::StoreU(hn::DemoteTo(d8, v), d8, p);
 }
 
 // ---------------------------------------------------------------------------
@@ -155,29 +173,34 @@ inline void store_f(D* p, vf v) {
 // The row pass uses stride = channels; K is 3, 5 or 0 (any length).
 template <class S, class D, Cvt C, bool kPost, int K, class Coef>
 void float_taps(const S* in, D* out, int n, int stride, int k, Coef coef, float post) {
+    const DF df;
     const int kk = K ? K : k;
-    constexpr int U = kFloatUnroll;
+    constexpr int U = kFloatChains;
     float cs[K ? K : 1];
     if constexpr (K != 0)
         for (int i = 0; i < K; ++i) cs[i] = coef(i);
     auto cf = [&](int i) { return K ? cs[i] : coef(i); };
+    const VF vpost = hn::Set(df, post);
     int e = 0;
     for (; e + U * kLanes <= n; e += U * kLanes) {
-        vf acc[U];
-        const vf c0 = f_set1(cf(0));
-        for (int u = 0; u < U; ++u) acc[u] = f_mul(c0, load_f(in + e + u * kLanes));
+        VF acc[U];
+        const VF c0 = hn::Set(df, cf(0));
+        for (int u = 0; u < U; ++u) acc[u] = hn::Mul(c0, LoadAsF32(in + e + u * kLanes));
         for (int i = 1; i < kk; ++i) {
-            const vf ci = f_set1(cf(i));
+            const VF ci = hn::Set(df, cf(i));
             const S* p = in + e + std::ptrdiff_t(i) * stride;
-            for (int u = 0; u < U; ++u) acc[u] = f_add(acc[u], f_mul(ci, load_f(p + u * kLanes)));
+            for (int u = 0; u < U; ++u) acc[u] = hn::Add(acc[u], hn::Mul(ci, LoadAsF32(p + u * kLanes)));
         }
-        for (int u = 0; u < U; ++u) store_f<D, C>(out + e + u * kLanes, kPost ? f_mul(acc[u], f_set1(post)) : acc[u]);
+        for (int u = 0; u < U; ++u) StoreF<D, C>(out + e + u * kLanes, kPost ? hn::Mul(acc[u], vpost) : acc[u]);
     }
-    for (; e + kLanes <= n; e += kLanes) {
-        vf acc = f_mul(f_set1(cf(0)), load_f(in + e));
-        for (int i = 1; i < kk; ++i) acc = f_add(acc, f_mul(f_set1(cf(i)), load_f(in + e + std::ptrdiff_t(i) * stride)));
-        store_f<D, C>(out + e, kPost ? f_mul(acc, f_set1(post)) : acc);
-    }
+    auto one = [&](int x) HWY_ATTR {
+        VF acc = hn::Mul(hn::Set(df, cf(0)), LoadAsF32(in + x));
+        for (int i = 1; i < kk; ++i)
+            acc = hn::Add(acc, hn::Mul(hn::Set(df, cf(i)), LoadAsF32(in + x + std::ptrdiff_t(i) * stride)));
+        StoreF<D, C>(out + x, kPost ? hn::Mul(acc, vpost) : acc);
+    };
+    for (; e + kLanes <= n; e += kLanes) one(e);
+    e = OverlapLast(e, n, kLanes, one);
     for (; e < n; ++e) {
         float acc = cf(0) * float(in[e]);
         for (int i = 1; i < kk; ++i) acc = acc + cf(i) * float(in[e + std::ptrdiff_t(i) * stride]);
@@ -190,32 +213,36 @@ void float_taps(const S* in, D* out, int n, int stride, int k, Coef coef, float 
 // while the others round as C says.
 template <class S, class D, Cvt C, bool kPost, bool kTailTrunc, int K, class Coef>
 void float_rows(const S* const* rows, D* out, int n, int k, Coef coef, float post) {
+    const DF df;
     const int kk = K ? K : k;
-    constexpr int U = kFloatUnroll;
+    constexpr int U = kFloatChains;
     float cs[K ? K : 1];
     const S* rs[K ? K : 1];
     if constexpr (K != 0)
         for (int i = 0; i < K; ++i) cs[i] = coef(i), rs[i] = rows[i];
     auto cf = [&](int i) { return K ? cs[i] : coef(i); };
     auto rp = [&](int i) { return K ? rs[i] : rows[i]; };
+    const VF vpost = hn::Set(df, post);
     const int body = kTailTrunc ? n - n % 16 : n;
     int e = 0;
     for (; e + U * kLanes <= body; e += U * kLanes) {
-        vf acc[U];
-        const vf c0 = f_set1(cf(0));
-        for (int u = 0; u < U; ++u) acc[u] = f_mul(c0, load_f(rp(0) + e + u * kLanes));
+        VF acc[U];
+        const VF c0 = hn::Set(df, cf(0));
+        for (int u = 0; u < U; ++u) acc[u] = hn::Mul(c0, LoadAsF32(rp(0) + e + u * kLanes));
         for (int j = 1; j < kk; ++j) {
-            const vf cj = f_set1(cf(j));
+            const VF cj = hn::Set(df, cf(j));
             const S* p = rp(j) + e;
-            for (int u = 0; u < U; ++u) acc[u] = f_add(acc[u], f_mul(cj, load_f(p + u * kLanes)));
+            for (int u = 0; u < U; ++u) acc[u] = hn::Add(acc[u], hn::Mul(cj, LoadAsF32(p + u * kLanes)));
         }
-        for (int u = 0; u < U; ++u) store_f<D, C>(out + e + u * kLanes, kPost ? f_mul(acc[u], f_set1(post)) : acc[u]);
+        for (int u = 0; u < U; ++u) StoreF<D, C>(out + e + u * kLanes, kPost ? hn::Mul(acc[u], vpost) : acc[u]);
     }
-    for (; e + kLanes <= body; e += kLanes) {
-        vf acc = f_mul(f_set1(cf(0)), load_f(rp(0) + e));
-        for (int j = 1; j < kk; ++j) acc = f_add(acc, f_mul(f_set1(cf(j)), load_f(rp(j) + e)));
-        store_f<D, C>(out + e, kPost ? f_mul(acc, f_set1(post)) : acc);
-    }
+    auto one = [&](int x) HWY_ATTR {
+        VF acc = hn::Mul(hn::Set(df, cf(0)), LoadAsF32(rp(0) + x));
+        for (int j = 1; j < kk; ++j) acc = hn::Add(acc, hn::Mul(hn::Set(df, cf(j)), LoadAsF32(rp(j) + x)));
+        StoreF<D, C>(out + x, kPost ? hn::Mul(acc, vpost) : acc);
+    };
+    for (; e + kLanes <= body; e += kLanes) one(e);
+    e = OverlapLast(e, body, kLanes, one);
     for (; e < n; ++e) {
         float acc = cf(0) * float(rp(0)[e]);
         for (int j = 1; j < kk; ++j) acc = acc + cf(j) * float(rp(j)[e]);
@@ -226,40 +253,53 @@ void float_rows(const S* const* rows, D* out, int n, int k, Coef coef, float pos
 // ---------------------------------------------------------------------------
 // Exact integer taps with 16-bit coefficients: pairs of taps are
 // interleaved and multiplied-added into 32-bit sums. Callers guarantee that
-// no sum leaves the 32-bit range. Fin turns the exact sum into the output.
+// no sum leaves the 32-bit range. The interleave works within 16-byte
+// blocks and the narrowing pack undoes it, so lanes come out in order.
 
-inline vi coef_pair(int16_t a, int16_t b) { return i_set1(int32_t(uint32_t(uint16_t(a)) | (uint32_t(uint16_t(b)) << 16))); }
+HWY_INLINE VI16 CoefPair(int16_t a, int16_t b) {
+    const hn::Repartition<int32_t, DI16> d32;
+    return hn::BitCast(DI16(), hn::Set(d32, int32_t(uint32_t(uint16_t(a)) | (uint32_t(uint16_t(b)) << 16))));
+}
 
 // Row pass of the 16s and 8u16s forms: S * scale, clamped, truncated.
 struct FinScale {
     float scale;
     int16_t scalar(int32_t s) const { return cvt_scalar<int16_t, Cvt::Trunc>(float(s) * scale); }
-    vi vec(vi lo, vi hi) const {
-        const vf sc = f_set1(scale), a = f_set1(-32768.f), b = f_set1(32767.f);
-        return i_packs(f_cvtt(f_clamp(f_mul(i_to_f(lo), sc), a, b)), f_cvtt(f_clamp(f_mul(i_to_f(hi), sc), a, b)));
+    HWY_INLINE VI16 vec(VI32 lo, VI32 hi) const {
+        const DF df;
+        const VF sc = hn::Set(df, scale), a = hn::Set(df, -32768.f), b = hn::Set(df, 32767.f);
+        auto one = [&](VI32 s) HWY_ATTR {
+            return TruncInRange(hn::Min(hn::Max(hn::Mul(hn::ConvertTo(df, s), sc), a), b));
+        };
+        return hn::ReorderDemote2To(DI16(), one(lo), one(hi));
     }
 };
+
 template <class S, class Fin>
 void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t* c, Fin fin) {
-    int e = 0;
-    for (; e + kShorts <= n; e += kShorts) {
-        vi lo = i_zero(), hi = i_zero();
+    const DI16 d16;
+    const hn::Repartition<int32_t, DI16> d32;
+    auto one = [&](int e) HWY_ATTR {
+        VI32 lo = hn::Zero(d32), hi = hn::Zero(d32);
         int i = 0;
         for (; i + 1 < k; i += 2) {
-            const vi a = load16(in + e + std::ptrdiff_t(i) * stride);
-            const vi b = load16(in + e + std::ptrdiff_t(i + 1) * stride);
-            const vi cc = coef_pair(c[i], c[i + 1]);
-            lo = i_add(lo, i_madd(i_lo16(a, b), cc));
-            hi = i_add(hi, i_madd(i_hi16(a, b), cc));
+            const VI16 a = Load16(in + e + std::ptrdiff_t(i) * stride);
+            const VI16 b = Load16(in + e + std::ptrdiff_t(i + 1) * stride);
+            const VI16 cc = CoefPair(c[i], c[i + 1]);
+            lo = MulAddPairs(hn::InterleaveLower(d16, a, b), cc, lo);
+            hi = MulAddPairs(hn::InterleaveUpper(d16, a, b), cc, hi);
         }
         if (i < k) {
-            const vi a = load16(in + e + std::ptrdiff_t(i) * stride);
-            const vi cc = coef_pair(c[i], 0);
-            lo = i_add(lo, i_madd(i_lo16(a, i_zero()), cc));
-            hi = i_add(hi, i_madd(i_hi16(a, i_zero()), cc));
+            const VI16 a = Load16(in + e + std::ptrdiff_t(i) * stride);
+            const VI16 cc = CoefPair(c[i], 0);
+            lo = MulAddPairs(hn::InterleaveLower(d16, a, hn::Zero(d16)), cc, lo);
+            hi = MulAddPairs(hn::InterleaveUpper(d16, a, hn::Zero(d16)), cc, hi);
         }
-        i_storeu(out + e, fin.vec(lo, hi));
-    }
+        hn::StoreU(fin.vec(lo, hi), d16, out + e);
+    };
+    int e = 0;
+    for (; e + kShorts <= n; e += kShorts) one(e);
+    e = OverlapLast(e, n, kShorts, one);
     for (; e < n; ++e) {
         int32_t s = 0;
         for (int i = 0; i < k; ++i) s += int32_t(c[i]) * int32_t(in[e + std::ptrdiff_t(i) * stride]);
@@ -267,6 +307,7 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
     }
 }
 
+// ---------------------------------------------------------------------------
 // The 8u Gaussian in unsigned 16-bit lanes, one high-half multiply per
 // pair of taps. The kernel is symmetric (c[i] == c[k-1-i], as built by the
 // kernel setup), a = k/2 its centre; the outer coefficients are at most
@@ -278,42 +319,51 @@ void int_taps(const S* in, int16_t* out, int n, int stride, int k, const int16_t
 //   result  min((C + 32) >> 6, 255)
 // The coefficients sum to at most 8192 (each is rounded from its exact
 // share of 4096 and at most 8192 of them reach 1), so no 16-bit sum overflows.
-#if ZEB_VEC_BYTES == 32
-inline vi u16_mulhi(vi a, vi b) { return _mm256_mulhi_epu16(a, b); }
-inline vi u16_add(vi a, vi b) { return _mm256_add_epi16(a, b); }
-inline vi u16_set1(uint16_t v) { return _mm256_set1_epi16(int16_t(v)); }
-template <int n>
-inline vi u16_shl(vi v) { return _mm256_slli_epi16(v, n); }
-template <int n>
-inline vi u16_shr(vi v) { return _mm256_srli_epi16(v, n); }
-#else
-inline vi u16_mulhi(vi a, vi b) { return _mm_mulhi_epu16(a, b); }
-inline vi u16_add(vi a, vi b) { return _mm_add_epi16(a, b); }
-inline vi u16_set1(uint16_t v) { return _mm_set1_epi16(int16_t(v)); }
-template <int n>
-inline vi u16_shl(vi v) { return _mm_slli_epi16(v, n); }
-template <int n>
-inline vi u16_shr(vi v) { return _mm_srli_epi16(v, n); }
-#endif
 
-inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int k, const uint16_t* c) {
-    constexpr int U = kUnroll > 2 ? 2 : kUnroll;
-    const int a = k / 2;
+// K is the kernel length when fixed (3 or 5; its offsets and coefficients
+// stay in registers), 0 for any length.
+template <int K>
+void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int k, const uint16_t* c) {
+    const DU16 du;
+    const int a = K ? K / 2 : k / 2;
+    constexpr int kHalf = K ? K / 2 : 1;
     const std::ptrdiff_t mid = std::ptrdiff_t(a) * stride;
-    int e = 0;
-    for (; e + U * kShorts <= n; e += U * kShorts) {
-        vi acc[U];
-        const vi ca = u16_set1(uint16_t(c[a] << 3));
-        for (int u = 0; u < U; ++u) acc[u] = u16_mulhi(u16_shl<8>(load16(in + e + mid + u * kShorts)), ca);
+    auto load = [&](const uint8_t* p) HWY_ATTR { return hn::BitCast(du, Load16(p)); };
+    const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
+    VU16 cs[kHalf];
+    std::ptrdiff_t lo[kHalf], hi[kHalf];
+    auto tap = [&](int i, VU16& ci, std::ptrdiff_t& p, std::ptrdiff_t& q) HWY_ATTR {
+        ci = hn::Set(du, uint16_t(c[i] << 4));
+        p = std::ptrdiff_t(i) * stride;
+        q = std::ptrdiff_t(k - 1 - i) * stride;
+    };
+    if constexpr (K != 0)
+        for (int i = 0; i < kHalf; ++i) tap(i, cs[i], lo[i], hi[i]);
+    // U vectors from e on; two independent chains hide the latencies.
+    auto block = [&](int e, auto units) HWY_ATTR {
+        constexpr int U = decltype(units)::value;
+        VU16 acc[U];
+        for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::ShiftLeft<8>(load(in + e + mid + u * kShorts)), ca);
         for (int i = 0; i < a; ++i) {
-            const vi ci = u16_set1(uint16_t(c[i] << 4));
-            const uint8_t* p = in + e + std::ptrdiff_t(i) * stride;
-            const uint8_t* q = in + e + std::ptrdiff_t(k - 1 - i) * stride;
-            for (int u = 0; u < U; ++u)
-                acc[u] = u16_add(acc[u], u16_mulhi(u16_shl<7>(u16_add(load16(p + u * kShorts), load16(q + u * kShorts))), ci));
+            VU16 ci;
+            std::ptrdiff_t p, q;
+            if constexpr (K != 0)
+                ci = cs[i], p = lo[i], q = hi[i];
+            else
+                tap(i, ci, p, q);
+            for (int u = 0; u < U; ++u) {
+                const VU16 sum = hn::Add(load(in + e + p + u * kShorts), load(in + e + q + u * kShorts));
+                acc[u] = hn::Add(acc[u], hn::MulHigh(hn::ShiftLeft<7>(sum), ci));
+            }
         }
-        for (int u = 0; u < U; ++u) i_storeu(out + e + u * kShorts, acc[u]);
-    }
+        for (int u = 0; u < U; ++u) hn::StoreU(acc[u], du, out + e + u * kShorts);
+    };
+    using Two = std::integral_constant<int, 2>;
+    using One = std::integral_constant<int, 1>;
+    int e = 0;
+    for (; e + 2 * kShorts <= n; e += 2 * kShorts) block(e, Two());
+    for (; e + kShorts <= n; e += kShorts) block(e, One());
+    e = OverlapLast(e, n, kShorts, [&](int x) HWY_ATTR { block(x, One()); });
     for (; e < n; ++e) {
         uint32_t acc = (uint32_t(in[e + mid]) * c[a]) >> 5;
         for (int i = 0; i < a; ++i)
@@ -322,30 +372,51 @@ inline void gauss8_taps(const uint8_t* in, uint16_t* out, int n, int stride, int
     }
 }
 
-#if ZEB_VEC_BYTES == 32
-inline vi u16_avg(vi a, vi b) { return _mm256_avg_epu16(a, b); }
-#else
-inline vi u16_avg(vi a, vi b) { return _mm_avg_epu16(a, b); }
-#endif
-
-inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k, const uint16_t* c) {
-    constexpr int U = kUnroll > 2 ? 2 : kUnroll;
-    const int a = k / 2;
-    int e = 0;
-    for (; e + U * kShorts <= n; e += U * kShorts) {
-        vi acc[U];
-        const vi ca = u16_set1(uint16_t(c[a] << 3));
-        for (int u = 0; u < U; ++u) acc[u] = u16_mulhi(i_loadu(rows[a] + e + u * kShorts), ca);
+template <int K>
+void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k, const uint16_t* c) {
+    const DU16 du;
+    const int a = K ? K / 2 : k / 2;
+    constexpr int kHalf = K ? K / 2 : 1;
+    const VU16 ca = hn::Set(du, uint16_t(c[a] << 3));
+    const VU16 round = hn::Set(du, uint16_t(32));
+    const uint16_t* centre = rows[a];
+    VU16 cs[kHalf];
+    const uint16_t* lo[kHalf];
+    const uint16_t* hi[kHalf];
+    auto tap = [&](int j, VU16& cj, const uint16_t*& p, const uint16_t*& q) HWY_ATTR {
+        cj = hn::Set(du, uint16_t(c[j] << 4));
+        p = rows[j];
+        q = rows[k - 1 - j];
+    };
+    if constexpr (K != 0)
+        for (int j = 0; j < kHalf; ++j) tap(j, cs[j], lo[j], hi[j]);
+    auto block = [&](int e, auto units) HWY_ATTR {
+        constexpr int U = decltype(units)::value;
+        VU16 acc[U];
+        for (int u = 0; u < U; ++u) acc[u] = hn::MulHigh(hn::LoadU(du, centre + e + u * kShorts), ca);
         for (int j = 0; j < a; ++j) {
-            const vi cj = u16_set1(uint16_t(c[j] << 4));
-            const uint16_t* p = rows[j] + e;
-            const uint16_t* q = rows[k - 1 - j] + e;
-            for (int u = 0; u < U; ++u)
-                acc[u] = u16_add(acc[u], u16_mulhi(u16_avg(i_loadu(p + u * kShorts), i_loadu(q + u * kShorts)), cj));
+            VU16 cj;
+            const uint16_t* p;
+            const uint16_t* q;
+            if constexpr (K != 0)
+                cj = cs[j], p = lo[j], q = hi[j];
+            else
+                tap(j, cj, p, q);
+            for (int u = 0; u < U; ++u) {
+                const VU16 avg = hn::AverageRound(hn::LoadU(du, p + e + u * kShorts), hn::LoadU(du, q + e + u * kShorts));
+                acc[u] = hn::Add(acc[u], hn::MulHigh(avg, cj));
+            }
         }
+        // At most 1023 after the shift: the signed pack saturates to 255.
         for (int u = 0; u < U; ++u)
-            store_bytes16(out + e + u * kShorts, u16_shr<6>(u16_add(acc[u], u16_set1(32))), false);
-    }
+            StoreBytes16(out + e + u * kShorts, hn::BitCast(DI16(), hn::ShiftRight<6>(hn::Add(acc[u], round))));
+    };
+    using Two = std::integral_constant<int, 2>;
+    using One = std::integral_constant<int, 1>;
+    int e = 0;
+    for (; e + 2 * kShorts <= n; e += 2 * kShorts) block(e, Two());
+    for (; e + kShorts <= n; e += kShorts) block(e, One());
+    e = OverlapLast(e, n, kShorts, [&](int x) HWY_ATTR { block(x, One()); });
     for (; e < n; ++e) {
         uint32_t acc = (uint32_t(rows[a][e]) * c[a]) >> 13;
         for (int j = 0; j < a; ++j) acc += (((uint32_t(rows[j][e]) + rows[k - 1 - j][e] + 1) >> 1) * c[j]) >> 12;
@@ -361,62 +432,54 @@ inline void gauss8_rows(const uint16_t* const* rows, uint8_t* out, int n, int k,
 // every product and partial sum below 2^24, so the float sum equals the
 // integer sum S scaled by 1/divisor, bit for bit.
 
+// trunc(s / 2^shift), negated when negate.
+HWY_INLINE VI16 TruncShift16(VI16 s, int shift, bool negate) {
+    const DI16 d;
+    const VI16 bias = hn::And(hn::ShiftRight<15>(s), hn::Set(d, int16_t((1 << shift) - 1)));
+    const VI16 q = hn::ShiftRightSame(hn::Add(s, bias), shift);
+    return negate ? hn::Sub(hn::Zero(d), q) : q;
+}
+
 // Row pass of 8u sources: |k[i]| <= 127 and sum |k[i]| <= 128, so pairs of
 // taps fit the unsigned-by-signed byte multiply-add and every 16-bit partial
 // sum stays within +-32640. Output trunc(S / divisor).
-inline vi trunc_shift16(vi s, int shift, bool negate) {
-#if ZEB_VEC_BYTES == 32
-    const vi bias = _mm256_and_si256(_mm256_srai_epi16(s, 15), _mm256_set1_epi16(int16_t((1 << shift) - 1)));
-    vi q = _mm256_sra_epi16(_mm256_add_epi16(s, bias), _mm_cvtsi32_si128(shift));
-    return negate ? _mm256_sub_epi16(_mm256_setzero_si256(), q) : q;
-#else
-    const vi bias = _mm_and_si128(_mm_srai_epi16(s, 15), _mm_set1_epi16(int16_t((1 << shift) - 1)));
-    vi q = _mm_sra_epi16(_mm_add_epi16(s, bias), _mm_cvtsi32_si128(shift));
-    return negate ? _mm_sub_epi16(_mm_setzero_si128(), q) : q;
-#endif
-}
-
-inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int k, const int16_t* c, int shift,
-                         bool negate, float scale) {
-    constexpr int kBytes = ZEB_VEC_BYTES;
-    // Byte pairs of coefficients (the last padded with 0), built once per row;
-    // the shortcut is taken for k <= 128 only.
-    vi pairs[64];
-    const int np = (k + 1) / 2;
+// NP is the number of tap pairs when fixed (k = 3 or 5), 0 for any length.
+template <int NP>
+void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int k, const int16_t* c, int shift,
+                  bool negate, float scale) {
+    const DU8 du8;
+    const hn::Repartition<int8_t, DU8> ds8;
+    const DI16 d16;
+    // Byte pairs of coefficients and the offsets of their two taps, built
+    // once per row; an odd length pairs its last tap with itself under a
+    // zero coefficient. The shortcut is taken for k <= 128 only.
+    constexpr int kMaxPairs = NP ? NP : 64;
+    const int np = NP ? NP : (k + 1) / 2;
+    hn::Vec<decltype(ds8)> pairs[kMaxPairs];
+    std::ptrdiff_t off0[kMaxPairs], off1[kMaxPairs];
     for (int p = 0; p < np; ++p) {
-        const int16_t cc = int16_t(uint16_t(uint8_t(c[2 * p])) | uint16_t(uint8_t(2 * p + 1 < k ? c[2 * p + 1] : 0)) << 8);
-#if ZEB_VEC_BYTES == 32
-        pairs[p] = _mm256_set1_epi16(cc);
-#else
-        pairs[p] = _mm_set1_epi16(cc);
-#endif
+        const bool odd = 2 * p + 1 == k;
+        const int16_t cc = int16_t(uint16_t(uint8_t(c[2 * p])) | uint16_t(uint8_t(odd ? 0 : c[2 * p + 1])) << 8);
+        pairs[p] = hn::BitCast(ds8, hn::Set(d16, cc));
+        off0[p] = std::ptrdiff_t(2 * p) * stride;
+        off1[p] = std::ptrdiff_t(odd ? 2 * p : 2 * p + 1) * stride;
     }
-    int e = 0;
-    for (; e + kBytes <= n; e += kBytes) {
-        vi lo = i_zero(), hi = i_zero();
+    auto block = [&](int e) HWY_ATTR {
+        VI16 lo = hn::Zero(d16), hi = hn::Zero(d16);
         for (int p = 0; p < np; ++p) {
-            const int i = 2 * p;
-            const vi a = i_loadu(in + e + std::ptrdiff_t(i) * stride);
-            const vi b = i + 1 < k ? i_loadu(in + e + std::ptrdiff_t(i + 1) * stride) : i_zero();
-            const vi vc = pairs[p];
-#if ZEB_VEC_BYTES == 32
-            lo = _mm256_add_epi16(lo, _mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), vc));
-            hi = _mm256_add_epi16(hi, _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), vc));
-#else
-            lo = _mm_add_epi16(lo, _mm_maddubs_epi16(_mm_unpacklo_epi8(a, b), vc));
-            hi = _mm_add_epi16(hi, _mm_maddubs_epi16(_mm_unpackhi_epi8(a, b), vc));
-#endif
+            const auto a = hn::LoadU(du8, in + e + off0[p]);
+            const auto b = hn::LoadU(du8, in + e + off1[p]);
+            lo = hn::Add(lo, MulAddBytePairs(hn::InterleaveLower(du8, a, b), pairs[p]));
+            hi = hn::Add(hi, MulAddBytePairs(hn::InterleaveUpper(du8, a, b), pairs[p]));
         }
-        lo = trunc_shift16(lo, shift, negate);
-        hi = trunc_shift16(hi, shift, negate);
-#if ZEB_VEC_BYTES == 32
-        i_storeu(out + e, _mm256_permute2x128_si256(lo, hi, 0x20));
-        i_storeu(out + e + 16, _mm256_permute2x128_si256(lo, hi, 0x31));
-#else
-        i_storeu(out + e, lo);
-        i_storeu(out + e + 8, hi);
-#endif
-    }
+        VI16 first, second;
+        BlocksInOrder(TruncShift16(lo, shift, negate), TruncShift16(hi, shift, negate), first, second);
+        hn::StoreU(first, d16, out + e);
+        hn::StoreU(second, d16, out + e + kShorts);
+    };
+    int e = 0;
+    for (; e + kBytes <= n; e += kBytes) block(e);
+    e = OverlapLast(e, n, kBytes, block);
     const FinScale fin{scale};
     for (; e < n; ++e) {
         int32_t s = 0;
@@ -427,45 +490,71 @@ inline void u8_pair_taps(const uint8_t* in, int16_t* out, int n, int stride, int
 
 // Column pass of 16s rows into integer D: sum |k[j]| < 512, so S stays
 // below 2^24 and converts exactly; rounding as the single-precision path
-// (nearest in whole blocks of 16, truncation after).
-template <class D>
+// (nearest in whole blocks of 16, truncation after). NP is the number of
+// coefficient pairs when fixed (k = 3 or 5), 0 for any length.
+template <class D, int NP>
 void s16_exact_rows(const int16_t* const* rows, D* out, int n, int k, const int16_t* c, float scale) {
+    const DF df;
+    const DI16 d16;
+    const hn::Repartition<int32_t, DI16> d32;
     const int body = n - n % 16;
-    const vf sc = f_set1(scale);
-    // Coefficient pairs (the last one padded with 0) built once per row.
+    const VF sc = hn::Set(df, scale);
+    // Pairs of rows and coefficients; an odd length pairs its last row with
+    // itself under a zero coefficient.
     constexpr int kMaxPairs = 16;
-    vi pairs[kMaxPairs];
-    const int np = (k + 1) / 2;
-    for (int p = 0; p < np && p < kMaxPairs; ++p) pairs[p] = coef_pair(c[2 * p], 2 * p + 1 < k ? c[2 * p + 1] : 0);
-    auto pair = [&](int p) { return p < kMaxPairs ? pairs[p] : coef_pair(c[2 * p], 2 * p + 1 < k ? c[2 * p + 1] : 0); };
-    // Two blocks per step keep two independent chains in flight.
-    auto block = [&](int e0, int nb) {
-        vi a0[2], a1[2];
-        for (int u = 0; u < nb; ++u) a0[u] = a1[u] = i_zero();
-        for (int p = 0; p < np; ++p) {
-            const int16_t* r0 = rows[2 * p];
-            const int16_t* r1 = 2 * p + 1 < k ? rows[2 * p + 1] : nullptr;
-            const vi cc = pair(p);
-            for (int u = 0; u < nb; ++u) {
-                const int e = e0 + u * kShorts;
-                const vi a = i_loadu(r0 + e), b = r1 ? i_loadu(r1 + e) : i_zero();
-                a0[u] = i_add(a0[u], i_madd(i_lo16(a, b), cc));
-                a1[u] = i_add(a1[u], i_madd(i_hi16(a, b), cc));
+    const int np = NP ? NP : (k + 1) / 2;
+    VI16 pairs[NP ? NP : kMaxPairs];
+    const int16_t* r0[NP ? NP : kMaxPairs];
+    const int16_t* r1[NP ? NP : kMaxPairs];
+    auto set = [&](int slot, int p) HWY_ATTR {
+        const bool odd = 2 * p + 1 == k;
+        pairs[slot] = CoefPair(c[2 * p], odd ? 0 : c[2 * p + 1]);
+        r0[slot] = rows[2 * p];
+        r1[slot] = rows[odd ? 2 * p : 2 * p + 1];
+    };
+    auto finish = [&](VI32 s) HWY_ATTR { return RoundInRange(hn::Mul(hn::ConvertTo(df, s), sc)); };
+    // NB blocks from e0 on, pairs p0 .. p1-1 of the pair table.
+    auto block = [&](int e0, auto nb) HWY_ATTR {
+        constexpr int NB = decltype(nb)::value;
+        VI32 a0[NB], a1[NB];
+        for (int u = 0; u < NB; ++u) a0[u] = a1[u] = hn::Zero(d32);
+        auto add_pairs = [&](int count) HWY_ATTR {
+            for (int p = 0; p < count; ++p)
+                for (int u = 0; u < NB; ++u) {
+                    const int e = e0 + u * kShorts;
+                    const VI16 a = hn::LoadU(d16, r0[p] + e), b = hn::LoadU(d16, r1[p] + e);
+                    a0[u] = MulAddPairs(hn::InterleaveLower(d16, a, b), pairs[p], a0[u]);
+                    a1[u] = MulAddPairs(hn::InterleaveUpper(d16, a, b), pairs[p], a1[u]);
+                }
+        };
+        if constexpr (NP != 0) {
+            add_pairs(NP);
+        } else {
+            // Long kernels run through the pair table a slice at a time.
+            for (int p0 = 0; p0 < np; p0 += kMaxPairs) {
+                const int count = np - p0 < kMaxPairs ? np - p0 : kMaxPairs;
+                for (int p = 0; p < count; ++p) set(p, p0 + p);
+                add_pairs(count);
             }
         }
-        for (int u = 0; u < nb; ++u) {
+        for (int u = 0; u < NB; ++u) {
             // |S * scale| < 2^24: rounding first and saturating in the packs
             // equals clamping first.
-            const vi r = i_packs(f_cvt(f_mul(i_to_f(a0[u]), sc)), f_cvt(f_mul(i_to_f(a1[u]), sc)));
+            const VI16 r = hn::ReorderDemote2To(d16, finish(a0[u]), finish(a1[u]));
             if constexpr (sizeof(D) == 2)
-                i_storeu(out + e0 + u * kShorts, r);
+                hn::StoreU(r, d16, out + e0 + u * kShorts);
             else
-                store_bytes16(out + e0 + u * kShorts, r, std::is_signed_v<D>);
+                StoreBytes16(out + e0 + u * kShorts, r);
         }
     };
+    if constexpr (NP != 0)
+        for (int p = 0; p < NP; ++p) set(p, p);
+    using Two = std::integral_constant<int, 2>;
+    using One = std::integral_constant<int, 1>;
     int e = 0;
-    for (; e + 2 * kShorts <= body; e += 2 * kShorts) block(e, 2);
-    for (; e + kShorts <= body; e += kShorts) block(e, 1);
+    for (; e + 2 * kShorts <= body; e += 2 * kShorts) block(e, Two());
+    for (; e + kShorts <= body; e += kShorts) block(e, One());
+    e = OverlapLast(e, body, kShorts, [&](int x) HWY_ATTR { block(x, One()); });
     for (; e < n; ++e) {
         float acc = float(c[0]) * scale * float(rows[0][e]);
         for (int j = 1; j < k; ++j) acc = acc + float(c[j]) * scale * float(rows[j][e]);
@@ -512,7 +601,7 @@ void row_with_border(const S* src, D* dst, int w, int ch, int k, int a, const bo
 
 template <class S, class D, Cvt C, bool kPost, class Coef>
 auto float_row_span(int k, int ch, Coef coef, float post) {
-    return [=](const S* in, D* out, int n) {
+    return [=](const S* in, D* out, int n) HWY_ATTR {
         if (k == 3)
             float_taps<S, D, C, kPost, 3>(in, out, n, ch, k, coef, post);
         else if (k == 5)
@@ -524,7 +613,7 @@ auto float_row_span(int k, int ch, Coef coef, float post) {
 
 template <class S, class D, Cvt C, bool kPost, bool kTailTrunc, class Coef>
 auto float_col_span(int k, Coef coef, float post) {
-    return [=](const S* const* rows, D* out, int n) {
+    return [=](const S* const* rows, D* out, int n) HWY_ATTR {
         if (k == 3)
             float_rows<S, D, C, kPost, kTailTrunc, 3>(rows, out, n, k, coef, post);
         else if (k == 5)
@@ -534,22 +623,18 @@ auto float_col_span(int k, Coef coef, float post) {
     };
 }
 
-template <class S, class Fin>
-auto int_row_span(int k, int ch, const int16_t* c, Fin fin) {
-    return [=](const S* in, int16_t* out, int n) { int_taps<S, Fin>(in, out, n, ch, k, c, fin); };
-}
-
 // The row pass over a whole ROI into the caller's row buffers.
 template <class S, class D, class Span>
-void row_pass(const S* src, int srcStep, D* const* dst, int w, int h, int ch, int k, int a, const border::Spec& bs,
-              const S* value, S* edge, Span span) {
-    for (int y = 0; y < h; ++y) row_with_border(row(src, srcStep, y), dst[y], w, ch, k, a, bs, value, edge, span);
+void each_row(const RowPass<S, D>& j, Span span) {
+    for (int y = 0; y < j.height; ++y)
+        row_with_border(row(j.src, j.srcStep, y), j.dst[y], j.width, j.channels, j.k, j.anchor, j.border, j.value,
+                        j.edge, span);
 }
 
 // The column pass over a whole ROI.
 template <class S, class D, class Span>
-void column_pass(const S* const* rows, D* dst, int dstStep, int w, int h, int ch, Span span) {
-    for (int y = 0; y < h; ++y) span(rows + y, row(dst, dstStep, y), w * ch);
+void each_column_row(const ColumnPass<S, D>& j, Span span) {
+    for (int y = 0; y < j.height; ++y) span(j.rows + y, row(j.dst, j.dstStep, y), j.width * j.channels);
 }
 
 // A whole separable filter with borders on all four sides, strip by strip
@@ -595,73 +680,109 @@ void separable_image(const S* src, int srcStep, D* dst, int dstStep, int w, int 
 // ---------------------------------------------------------------------------
 // Whole passes as the exports run them.
 
-// Row pass: float coefficients c (32f: the kernel; integer forms: the
-// kernel times the reciprocal of the divisor), or, with exact, integer sums
-// of the raw 16-bit kernel scaled afterwards.
-// pairShift >= 0 selects the byte-pair shortcut for 8u sources (divisor
-// +-2^pairShift, negative when negate).
 template <class S, class D>
-void row_job(const S* src, int srcStep, D* const* dst, int w, int h, int ch, int k, int a, const border::Spec& bs,
-             const S* value, S* edge, const float* c, bool exact, const int16_t* kern, float scale, int pairShift,
-             bool negate) {
+void row_job(const RowPass<S, D>& j) {
+    const int k = j.k, ch = j.channels;
     if constexpr (std::is_same_v<D, float>) {
-        row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
-                 float_row_span<S, D, Cvt::None, false>(k, ch, FloatCoefs{c}, 1.f));
+        each_row(j, float_row_span<S, D, Cvt::None, false>(k, ch, FloatCoefs{j.c}, 1.f));
     } else {
         if constexpr (std::is_same_v<D, int16_t> && std::is_same_v<S, uint8_t>) {
-            if (exact && pairShift >= 0) {
-                row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
-                         [=](const uint8_t* in, int16_t* out, int n) {
-                             u8_pair_taps(in, out, n, ch, k, kern, pairShift, negate, scale);
-                         });
+            if (j.exact && j.pairShift >= 0) {
+                const int16_t* kern = j.kern;
+                const int shift = j.pairShift;
+                const bool negate = j.negate;
+                const float scale = j.scale;
+                each_row(j, [=](const uint8_t* in, int16_t* out, int n) HWY_ATTR {
+                    if (k == 3)
+                        u8_pair_taps<2>(in, out, n, ch, k, kern, shift, negate, scale);
+                    else if (k == 5)
+                        u8_pair_taps<3>(in, out, n, ch, k, kern, shift, negate, scale);
+                    else
+                        u8_pair_taps<0>(in, out, n, ch, k, kern, shift, negate, scale);
+                });
                 return;
             }
         }
         if constexpr (std::is_same_v<D, int16_t>) {
-            if (exact) {
-                row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
-                         int_row_span<S>(k, ch, kern, FinScale{scale}));
+            if (j.exact) {
+                const int16_t* kern = j.kern;
+                const FinScale fin{j.scale};
+                each_row(j, [=](const S* in, int16_t* out, int n) HWY_ATTR {
+                    int_taps<S, FinScale>(in, out, n, ch, k, kern, fin);
+                });
                 return;
             }
         }
-        row_pass(src, srcStep, dst, w, h, ch, k, a, bs, value, edge,
-                 float_row_span<S, D, Cvt::Trunc, false>(k, ch, FloatCoefs{c}, 1.f));
+        each_row(j, float_row_span<S, D, Cvt::Trunc, false>(k, ch, FloatCoefs{j.c}, 1.f));
     }
 }
 
-template <class D>
-void column_exact_job(const int16_t* const* rows, D* dst, int dstStep, int w, int h, int ch, int k, const int16_t* kern,
-                      float scale) {
-    column_pass(rows, dst, dstStep, w, h, ch,
-                [=](const int16_t* const* r, D* out, int n) { s16_exact_rows(r, out, n, k, kern, scale); });
+template <class S, class D>
+void column_job(const ColumnPass<S, D>& j) {
+    const int k = j.k;
+    if constexpr (std::is_same_v<S, float>) {
+        each_column_row(j, float_col_span<S, D, Cvt::None, false, false>(k, FloatCoefs{j.c}, 1.f));
+    } else {
+        // 16-bit signed rows round to nearest in whole blocks of 16 values
+        // and truncate after.
+        constexpr bool kTail = std::is_same_v<S, int16_t>;
+        if constexpr (kTail) {
+            if (j.exact) {
+                const int16_t* kern = j.kern;
+                const float scale = j.scale;
+                each_column_row(j, [=](const int16_t* const* r, D* out, int n) HWY_ATTR {
+                    if (k == 3)
+                        s16_exact_rows<D, 2>(r, out, n, k, kern, scale);
+                    else if (k == 5)
+                        s16_exact_rows<D, 3>(r, out, n, k, kern, scale);
+                    else
+                        s16_exact_rows<D, 0>(r, out, n, k, kern, scale);
+                });
+                return;
+            }
+        }
+        each_column_row(j, float_col_span<S, D, Cvt::Nearest, false, kTail>(k, ScaledCoefs{j.kern, j.scale}, 1.f));
+    }
 }
 
-template <class S, class D, Cvt C, bool kTailTrunc, class Coef>
-void column_job(const S* const* rows, D* dst, int dstStep, int w, int h, int ch, int k, Coef coef) {
-    column_pass(rows, dst, dstStep, w, h, ch, float_col_span<S, D, C, false, kTailTrunc>(k, coef, 1.f));
-}
-
-// The Gaussian filter over a whole ROI with the coefficient table of its
-// kernel setup (float for 32f, unsigned fixed point otherwise).
 template <class T>
-void gauss_job(const T* src, int srcStep, T* dst, int dstStep, int w, int h, int ch, int k, const border::Spec& bs,
-               const T* value, const StripBuffers& b, const unsigned char* table) {
+void gauss_job(const GaussImage<T>& j) {
+    const int k = j.k, ch = j.channels;
     if constexpr (std::is_same_v<T, float>) {
-        const FloatCoefs c{reinterpret_cast<const float*>(table)};
-        separable_image<T, float, T>(src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b,
-                                     float_row_span<T, float, Cvt::None, false>(k, ch, c, 1.f),
+        const FloatCoefs c{reinterpret_cast<const float*>(j.table)};
+        separable_image<T, float, T>(j.src, j.srcStep, j.dst, j.dstStep, j.width, j.height, ch, k, j.border, j.value,
+                                     j.buffers, float_row_span<T, float, Cvt::None, false>(k, ch, c, 1.f),
                                      float_col_span<float, T, Cvt::None, false, false>(k, c, 1.f));
     } else if constexpr (std::is_same_v<T, uint8_t>) {
-        const uint16_t* c = reinterpret_cast<const uint16_t*>(table);
+        const uint16_t* c = reinterpret_cast<const uint16_t*>(j.table);
         separable_image<T, uint16_t, T>(
-            src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b,
-            [=](const uint8_t* in, uint16_t* out, int n) { gauss8_taps(in, out, n, ch, k, c); },
-            [=](const uint16_t* const* rows, uint8_t* out, int n) { gauss8_rows(rows, out, n, k, c); });
+            j.src, j.srcStep, j.dst, j.dstStep, j.width, j.height, ch, k, j.border, j.value, j.buffers,
+            [=](const uint8_t* in, uint16_t* out, int n) HWY_ATTR {
+                if (k == 3)
+                    gauss8_taps<3>(in, out, n, ch, k, c);
+                else if (k == 5)
+                    gauss8_taps<5>(in, out, n, ch, k, c);
+                else
+                    gauss8_taps<0>(in, out, n, ch, k, c);
+            },
+            [=](const uint16_t* const* rows, uint8_t* out, int n) HWY_ATTR {
+                if (k == 3)
+                    gauss8_rows<3>(rows, out, n, k, c);
+                else if (k == 5)
+                    gauss8_rows<5>(rows, out, n, k, c);
+                else
+                    gauss8_rows<0>(rows, out, n, k, c);
+            });
     } else {
-        const TableCoefs c{table};
+        const TableCoefs c{j.table};
         const float post = 1.0f / 32768.0f;
-        separable_image<T, T, T>(src, srcStep, dst, dstStep, w, h, ch, k, bs, value, b,
-                                 float_row_span<T, T, Cvt::Nearest, true>(k, ch, c, post),
+        separable_image<T, T, T>(j.src, j.srcStep, j.dst, j.dstStep, j.width, j.height, ch, k, j.border, j.value,
+                                 j.buffers, float_row_span<T, T, Cvt::Nearest, true>(k, ch, c, post),
                                  float_col_span<T, T, Cvt::Nearest, true, false>(k, c, post));
     }
 }
+
+}  // namespace zeb::HWY_NAMESPACE::pipe
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_FILTER_PIPELINE_KERNELS_

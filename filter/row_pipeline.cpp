@@ -8,17 +8,13 @@
 #include "core/border.h"
 #include "core/checks.h"
 #include "core/dispatch.h"
-#include "core/row_driver.h"
-#include "filter/pipeline_common.h"
+#include "filter/pipeline_dispatch.h"
 #include "filter/pipeline_sizes.h"
 
-namespace zeb::ZEB_VNS {
+namespace zeb::impl {
 namespace {
 
-using namespace ::zeb::pipe;
-
-#define ZEB_KERNELS "filter/pipeline_kernels.inl"
-#include "core/isa_expand.h"
+using pipe::RowPass;
 
 // How a member treats its divisor: none (32f), != 0 or >= 1 checked with
 // the border type, or != 0 checked after every other argument (8u16s).
@@ -46,8 +42,9 @@ int pow2_shift(int divisor) {
     return -1;
 }
 
-// The byte-pair shortcut of 8u sources: small coefficients (see
-// u8_pair_taps) and a power-of-two divisor.
+// The byte-pair shortcut of 8u sources: small coefficients (every pair of
+// taps fits the unsigned-by-signed byte multiply-add, every 16-bit partial
+// sum stays within +-32640) and a power-of-two divisor.
 int byte_pair_shift(const int16_t* kern, int k, int divisor) {
     if (k > 128) return -1;  // the kernel keeps its pairs in 64 vectors
     int total = 0;
@@ -79,84 +76,131 @@ ZebStatus row_border(const S* src, int srcStep, D* const* dst, ZebiSize roi, con
 
     // Work buffer: the coefficients, then the border-extended row ends.
     float* c = reinterpret_cast<float*>(align_up(buf, 32));
-    S* edge = reinterpret_cast<S*>(c + k);
-    const border::Spec bs = border::decode(borderType);
-    bool exact = false;
-    float scale = 1.f;
-    int pairShift = -1;
+    RowPass<S, D> job{src,
+                      srcStep,
+                      dst,
+                      roi.width,
+                      roi.height,
+                      ch,
+                      k,
+                      a,
+                      border::decode(borderType),
+                      value,
+                      reinterpret_cast<S*>(c + k),
+                      c};
     if constexpr (std::is_same_v<K, float>) {
         for (int i = 0; i < k; ++i) c[i] = kern[i];
     } else {
-        scale = 1.0f / float(divisor);
-        for (int i = 0; i < k; ++i) c[i] = float(kern[i]) * scale;
-        if constexpr (std::is_same_v<D, int16_t>) exact = exact_sums_fit<S>(kern, k);
-        if constexpr (std::is_same_v<S, uint8_t>) pairShift = byte_pair_shift(kern, k, divisor);
+        job.kern = kern;
+        job.scale = 1.0f / float(divisor);
+        job.negate = divisor < 0;
+        for (int i = 0; i < k; ++i) c[i] = float(kern[i]) * job.scale;
+        if constexpr (std::is_same_v<D, int16_t>) job.exact = exact_sums_fit<S>(kern, k);
+        if constexpr (std::is_same_v<S, uint8_t>) job.pairShift = byte_pair_shift(kern, k, divisor);
     }
-    const int16_t* raw = nullptr;
-    if constexpr (!std::is_same_v<K, float>) raw = kern;
-    if (use_avx2())
-        avx2::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale, pairShift,
-                          divisor < 0);
-    else
-        ssse3::row_job(src, srcStep, dst, roi.width, roi.height, ch, k, a, bs, value, edge, c, exact, raw, scale, pairShift,
-                          divisor < 0);
+    pipe::run_row_pass(job);
     return zebStsNoErr;
 }
 
-ZebStatus row_size(ZebiSize roi, int k, int* size, int32_t (*formula)(int32_t)) {
+// The row-pass sizes depend on the kernel length only.
+ZebStatus row_size(ZebiSize roi, int k, int* size, int64_t (*formula)(int64_t)) {
     if (!size) return zebStsNullPtrErr;
     if (bad_roi(roi) || k < 1) return zebStsSizeErr;
-    *size = formula(k);
-    return zebStsNoErr;
+    return put_size(formula(k), size);
 }
 
 }  // namespace
 
 // ---- buffer sizes ----
-#define ZEB_ROW_SIZE(name, formula) \
-    ZebStatus name(ZebiSize roi, int k, int* size) { return row_size(roi, k, size, pipeline_size::formula); }
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16s_C1R, row_16s_c1)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16s_C3R, row_16s_c3)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16u_C1R, row_16u_c1)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_16u_C3R, row_16u_c3)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_32f_C1R, row_32f_c1)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_32f_C3R, row_32f_c3)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R, row_8u16s_c1)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C3R, row_8u16s_c3)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R, row_low_16s_c1)
-ZEB_ROW_SIZE(zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R, row_low_16s_c3)
-#undef ZEB_ROW_SIZE
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_16s_C1R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_16s_c1);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_16s_C3R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_16s_c3);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_16u_C1R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_16u_c1);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_16u_C3R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_16u_c3);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_32f_C1R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_32f_c1);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_32f_C3R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_32f_c3);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_8u16s_c1);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_8u16s_C3R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_8u16s_c3);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_low_16s_c1);
+}
+ZebStatus zebiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(ZebiSize roi, int k, int* size) {
+    return row_size(roi, k, size, pipeline_size::row_low_16s_c3);
+}
 
 // ---- row passes ----
 // C1 forms pass the address of their one border value, C3 forms the
 // caller's array (checked for null after the row pointers).
-#define ZEB_ROW_INT(name, S, D, div, even, ch, V, addr)                                                           \
-    ZebStatus name(const S* src, int ss, D* const* dst, ZebiSize roi, const Zeb16s* kern, int k, int a,          \
-                   ZebiBorderType bt, V value, int divisor, Zeb8u* buf) {                                        \
-        return row_border<S, D, Div::div, even>(src, ss, dst, roi, kern, k, a, bt, addr, ch, divisor, buf);       \
-    }
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_16s_C1R, Zeb16s, Zeb16s, NonZero, true, 1, Zeb16s, &value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_16s_C3R, Zeb16s, Zeb16s, NonZero, true, 3, const Zeb16s*, value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_Low_16s_C1R, Zeb16s, Zeb16s, NonZero, true, 1, Zeb16s, &value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_Low_16s_C3R, Zeb16s, Zeb16s, NonZero, true, 3, const Zeb16s*, value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_16u_C1R, Zeb16u, Zeb16u, Positive, true, 1, Zeb16u, &value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_16u_C3R, Zeb16u, Zeb16u, Positive, true, 3, const Zeb16u*, value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_8u16s_C1R, Zeb8u, Zeb16s, LateNonZero, false, 1, Zeb8u, &value)
-ZEB_ROW_INT(zebiFilterRowBorderPipeline_8u16s_C3R, Zeb8u, Zeb16s, LateNonZero, false, 3, const Zeb8u*, value)
-#undef ZEB_ROW_INT
-
+ZebStatus zebiFilterRowBorderPipeline_16s_C1R(const Zeb16s* src, int ss, Zeb16s* const* dst, ZebiSize roi,
+                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt, Zeb16s value,
+                                              int divisor, Zeb8u* buf) {
+    return row_border<Zeb16s, Zeb16s, Div::NonZero, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, divisor, buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_16s_C3R(const Zeb16s* src, int ss, Zeb16s* const* dst, ZebiSize roi,
+                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt, const Zeb16s* value,
+                                              int divisor, Zeb8u* buf) {
+    return row_border<Zeb16s, Zeb16s, Div::NonZero, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor, buf);
+}
+// The reduced-precision forms give exactly the 16s results.
+ZebStatus zebiFilterRowBorderPipeline_Low_16s_C1R(const Zeb16s* src, int ss, Zeb16s* const* dst, ZebiSize roi,
+                                                  const Zeb16s* kern, int k, int a, ZebiBorderType bt, Zeb16s value,
+                                                  int divisor, Zeb8u* buf) {
+    return row_border<Zeb16s, Zeb16s, Div::NonZero, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, divisor, buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_Low_16s_C3R(const Zeb16s* src, int ss, Zeb16s* const* dst, ZebiSize roi,
+                                                  const Zeb16s* kern, int k, int a, ZebiBorderType bt,
+                                                  const Zeb16s* value, int divisor, Zeb8u* buf) {
+    return row_border<Zeb16s, Zeb16s, Div::NonZero, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor, buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_16u_C1R(const Zeb16u* src, int ss, Zeb16u* const* dst, ZebiSize roi,
+                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt, Zeb16u value,
+                                              int divisor, Zeb8u* buf) {
+    return row_border<Zeb16u, Zeb16u, Div::Positive, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, divisor, buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_16u_C3R(const Zeb16u* src, int ss, Zeb16u* const* dst, ZebiSize roi,
+                                              const Zeb16s* kern, int k, int a, ZebiBorderType bt, const Zeb16u* value,
+                                              int divisor, Zeb8u* buf) {
+    return row_border<Zeb16u, Zeb16u, Div::Positive, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor, buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_8u16s_C1R(const Zeb8u* src, int ss, Zeb16s* const* dst, ZebiSize roi,
+                                                const Zeb16s* kern, int k, int a, ZebiBorderType bt, Zeb8u value,
+                                                int divisor, Zeb8u* buf) {
+    return row_border<Zeb8u, Zeb16s, Div::LateNonZero, false>(src, ss, dst, roi, kern, k, a, bt, &value, 1, divisor,
+                                                              buf);
+}
+ZebStatus zebiFilterRowBorderPipeline_8u16s_C3R(const Zeb8u* src, int ss, Zeb16s* const* dst, ZebiSize roi,
+                                                const Zeb16s* kern, int k, int a, ZebiBorderType bt, const Zeb8u* value,
+                                                int divisor, Zeb8u* buf) {
+    return row_border<Zeb8u, Zeb16s, Div::LateNonZero, false>(src, ss, dst, roi, kern, k, a, bt, value, 3, divisor,
+                                                              buf);
+}
 ZebStatus zebiFilterRowBorderPipeline_32f_C1R(const Zeb32f* src, int ss, Zeb32f* const* dst, ZebiSize roi,
                                               const Zeb32f* kern, int k, int a, ZebiBorderType bt, Zeb32f value,
                                               Zeb8u* buf) {
     return row_border<Zeb32f, Zeb32f, Div::None, true>(src, ss, dst, roi, kern, k, a, bt, &value, 1, 1, buf);
 }
 ZebStatus zebiFilterRowBorderPipeline_32f_C3R(const Zeb32f* src, int ss, Zeb32f* const* dst, ZebiSize roi,
-                                              const Zeb32f* kern, int k, int a, ZebiBorderType bt,
-                                              const Zeb32f* value, Zeb8u* buf) {
+                                              const Zeb32f* kern, int k, int a, ZebiBorderType bt, const Zeb32f* value,
+                                              Zeb8u* buf) {
     return row_border<Zeb32f, Zeb32f, Div::None, true>(src, ss, dst, roi, kern, k, a, bt, value, 3, 1, buf);
 }
 
-}  // namespace zeb::ZEB_VNS
+}  // namespace zeb::impl
 
 ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_16s_C1R);
 ZEB_EXPORT(zebiFilterRowBorderPipelineGetBufferSize_16s_C3R);

@@ -52,7 +52,7 @@ typedef struct ZebFilterGaussianSpec ZebFilterGaussianSpec;
 
 /* Checks: a null output (-8); width or height below 1 (-6); kernelSize below
  * 3 or even (-5); dataType not 1, 5, 7 or 13 (-12); numChannels not 1 or 3
- * (-47); sizes beyond 32 bits (-6). */
+ * (-47); a size that does not fit an int (-6, neither size stored). */
 ZEB_API ZebStatus zebiFilterGaussianGetBufferSize(ZebiSize roiSize, Zeb32u kernelSize, ZebDataType dataType,
                                                   int numChannels, int* pSpecSize, int* pBufferSize);
 
@@ -95,7 +95,8 @@ ZEB_API ZebStatus zebiFilterGaussianBorder_32f_C3R(const Zeb32f* pSrc, int srcSt
 
 /* Older one-call interface, 32f one channel: the kernel is built on every
  * call as for zebiFilterGaussianInit. Checks: kernelSize below 3 or even
- * (-5) after -8/-6 for the query; the filter checks pSrc, pDst, pBuffer (-8),
+ * (-5) after -8/-6 for the query, then -6 for a size that does not fit an
+ * int; the filter checks pSrc, pDst, pBuffer (-8),
  * steps (-14), size (-6), step multiples (-108), kernelSize (-5), sigma not
  * above 0 (-5), border type (-225). */
 ZEB_API ZebStatus zebiFilterGaussGetBufferSize_32f_C1R(ZebiSize roiSize, int kernelSize, int* pBufferSize);

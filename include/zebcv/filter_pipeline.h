@@ -43,8 +43,10 @@
  *   _Low_16s give exactly the 16s results.
  *
  * Buffer-size queries return -8 for a null output, then -6 for a width,
- * height or kernelSize below 1. A work buffer may be reused by any call whose
- * query gave a size not larger than it.
+ * height or kernelSize below 1, and -6 (nothing stored) when the byte count
+ * does not fit an int (very long kernels for the row pass, very wide rows
+ * for the 16s, 16s8u, 16s8s and Low_16s column passes). A work buffer may be
+ * reused by any call whose query gave a size not larger than it.
  */
 #ifndef ZEBCV_FILTER_PIPELINE_H
 #define ZEBCV_FILTER_PIPELINE_H
