@@ -40,4 +40,3 @@
     extern "C" __attribute__((visibility("hidden"), used))                              \
     decltype(&::name) const zeb_tbl_##name[2] = {&zeb::u8::name, &zeb::n8::name};       \
     ZEB_STUB_ASM(name)
-#include "core/legacy.h"

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "harness.h"
+#include "core/zebcore_test_hooks.h"
 
 ZEB_TEST_TABLE(zebiFilterSobelHorizBorder_8u16s_C1R);
 ZEB_TEST_TABLE(zebiFilterSobelHorizBorder_8u8s_C1R);
