@@ -143,11 +143,14 @@ void fill_acc(Image<float>& a) {
             a.at(x, y) = x % 7 == 3 ? specials[(x / 7 + y) % 6] : d(zt::rng()) * (x % 3 == 0 ? 1e-3f : 1.f);
 }
 
-zt::CallArgs args_of(std::initializer_list<std::pair<void*, int>> images, ZebiSize roi, double param) {
-    zt::CallArgs a;
-    for (auto [p, s] : images) a.ptrs.push_back(p), a.steps.push_back(s);
-    a.roi = roi, a.param = param;
-    return a;
+// Calls a member on its sources, mask (where it has them) and output.
+template <bool kTwo, bool kMask, class Fn, class A, class M, class O>
+ZebStatus call(Fn* f, const A& s1, const A& s2, const M& m, const O& out, double param) {
+    zt::CallArgs a{{s1.ptr()}, {s1.step()}, {s1.width(), s1.height()}, param};
+    if (kTwo) a.ptrs.push_back(s2.ptr()), a.steps.push_back(s2.step());
+    if (kMask) a.ptrs.push_back(m.ptr()), a.steps.push_back(m.step());
+    a.ptrs.push_back(out.ptr()), a.steps.push_back(out.step());
+    return zt::call(f, a);
 }
 
 // One member through both variants, with cached and (the cache query
@@ -177,11 +180,7 @@ void check_member(const char* name, Fn* const* tbl) {
                             }
                         if constexpr (std::is_same_v<O, float>) fill_acc(out);
                         const auto before = out.pixels();
-                        zt::CallArgs a = args_of({{s1.ptr(), s1.step()}}, {w, h}, param);
-                        if (kTwo) a.ptrs.push_back(s2.ptr()), a.steps.push_back(s2.step());
-                        if (kMask) a.ptrs.push_back(m.ptr()), a.steps.push_back(m.step());
-                        a.ptrs.push_back(out.ptr()), a.steps.push_back(out.step());
-                        ASSERT_EQ(zt::call(tbl[v], a), 0) << name;
+                        ASSERT_EQ((call<kTwo, kMask>(tbl[v], s1, s2, m, out, param)), 0) << name;
                         for (int y = 0; y < h; ++y)
                             for (int x = 0; x < w * ch; ++x) {
                                 const O old = before[std::size_t(y) * w * ch + x];
@@ -248,11 +247,7 @@ void agrees_with_opencv(const char* name, Fn* const* tbl, const Scene& sc, int v
             else
                 return Image<O>(a.width(), a.height(), a.channels(), pad * e);
         }();
-        zt::CallArgs x = args_of({{a.ptr(), a.step()}}, a.size(), p);
-        if (kTwo) x.ptrs.push_back(b.ptr()), x.steps.push_back(b.step());
-        if (kMask) x.ptrs.push_back(m.ptr()), x.steps.push_back(m.step());
-        x.ptrs.push_back(out.ptr()), x.steps.push_back(out.step());
-        ASSERT_EQ(zt::call(tbl[v], x), 0) << name;
+        ASSERT_EQ((call<kTwo, kMask>(tbl[v], a, b, m, out, p)), 0) << name;
         const double tol = exact ? 0.0 : 1e-6 * cv::norm(ref, cv::NORM_INF);
         EXPECT_LE(cv::norm(ref, out.mat(), cv::NORM_INF), tol) << name << " variant " << v << " on " << where;
     }
