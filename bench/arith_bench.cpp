@@ -7,10 +7,10 @@
 
 namespace {
 
-using zb::kH;
-using zb::kW;
-
-const ZebiSize kRoi{kW, kH};
+using zb::kPx;
+using zb::kRoi;
+using zb::px;
+using zb::step;
 
 struct Buffers {
     // Sources start at 1: thousands of weighted updates of the same pixels
@@ -26,106 +26,121 @@ struct Buffers {
     cv::Mat acc = zb::random_mat(CV_32F);
 };
 
-Buffers& buf() {
-    static Buffers b;
-    return b;
-}
-
-int step(const cv::Mat& m) { return int(m.step); }
-
-constexpr std::size_t kPx = std::size_t(kW) * kH;
-
 ZB_PAIR("AbsDiff_8u_C1R",
-        [] { auto& b = buf(); ZB_CHECK(zebiAbsDiff_8u_C1R(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.d8.data, step(b.d8), kRoi)); },
-        [] { auto& b = buf(); cv::absdiff(b.a8, b.b8, b.d8); }, 3 * kPx);
+        [] {
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAbsDiff_8u_C1R(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.b8), step(b.b8), px<Zeb8u>(b.d8),
+                                        step(b.d8), kRoi));
+        },
+        [] { auto& b = zb::buffers<Buffers>(); cv::absdiff(b.a8, b.b8, b.d8); }, 3 * kPx);
 ZB_PAIR("AbsDiff_8u_C3R",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAbsDiff_8u_C3R(b.a8c3.data, step(b.a8c3), b.b8c3.data, step(b.b8c3), b.d8c3.data, step(b.d8c3), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAbsDiff_8u_C3R(px<Zeb8u>(b.a8c3), step(b.a8c3), px<Zeb8u>(b.b8c3), step(b.b8c3),
+                                        px<Zeb8u>(b.d8c3), step(b.d8c3), kRoi));
         },
-        [] { auto& b = buf(); cv::absdiff(b.a8c3, b.b8c3, b.d8c3); }, 9 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::absdiff(b.a8c3, b.b8c3, b.d8c3); }, 9 * kPx);
 ZB_PAIR("AbsDiff_16u_C1R",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAbsDiff_16u_C1R(b.a16.ptr<Zeb16u>(), step(b.a16), b.b16.ptr<Zeb16u>(), step(b.b16), b.d16.ptr<Zeb16u>(),
-                                step(b.d16), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAbsDiff_16u_C1R(px<Zeb16u>(b.a16), step(b.a16), px<Zeb16u>(b.b16), step(b.b16),
+                                         px<Zeb16u>(b.d16), step(b.d16), kRoi));
         },
-        [] { auto& b = buf(); cv::absdiff(b.a16, b.b16, b.d16); }, 6 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::absdiff(b.a16, b.b16, b.d16); }, 6 * kPx);
 ZB_PAIR("AbsDiff_32f_C1R",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAbsDiff_32f_C1R(b.af.ptr<float>(), step(b.af), b.bf.ptr<float>(), step(b.bf), b.df.ptr<float>(),
-                                step(b.df), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAbsDiff_32f_C1R(px<Zeb32f>(b.af), step(b.af), px<Zeb32f>(b.bf), step(b.bf), px<Zeb32f>(b.df),
+                                         step(b.df), kRoi));
         },
-        [] { auto& b = buf(); cv::absdiff(b.af, b.bf, b.df); }, 12 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::absdiff(b.af, b.bf, b.df); }, 12 * kPx);
 ZB_PAIR("AbsDiffC_8u_C1R",
-        [] { auto& b = buf(); ZB_CHECK(zebiAbsDiffC_8u_C1R(b.a8.data, step(b.a8), b.d8.data, step(b.d8), kRoi, 77)); },
-        [] { auto& b = buf(); cv::absdiff(b.a8, cv::Scalar(77), b.d8); }, 2 * kPx);
+        [] {
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAbsDiffC_8u_C1R(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.d8), step(b.d8), kRoi, 77));
+        },
+        [] { auto& b = zb::buffers<Buffers>(); cv::absdiff(b.a8, cv::Scalar(77), b.d8); }, 2 * kPx);
 ZB_PAIR("AbsDiffC_32f_C1R",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAbsDiffC_32f_C1R(b.af.ptr<float>(), step(b.af), b.df.ptr<float>(), step(b.df), kRoi, 7.5f));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAbsDiffC_32f_C1R(px<Zeb32f>(b.af), step(b.af), px<Zeb32f>(b.df), step(b.df), kRoi, 7.5f));
         },
-        [] { auto& b = buf(); cv::absdiff(b.af, cv::Scalar(7.5), b.df); }, 8 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::absdiff(b.af, cv::Scalar(7.5), b.df); }, 8 * kPx);
 ZB_PAIR("Add_8u32f_C1IR",
-        [] { auto& b = buf(); ZB_CHECK(zebiAdd_8u32f_C1IR(b.a8.data, step(b.a8), b.acc.ptr<float>(), step(b.acc), kRoi)); },
-        [] { auto& b = buf(); cv::accumulate(b.a8, b.acc); }, 9 * kPx);
+        [] {
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAdd_8u32f_C1IR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb32f>(b.acc), step(b.acc), kRoi));
+        },
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulate(b.a8, b.acc); }, 9 * kPx);
 ZB_PAIR("Add_8u32f_C1IMR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAdd_8u32f_C1IMR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), b.acc.ptr<float>(), step(b.acc), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAdd_8u32f_C1IMR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.mask), step(b.mask),
+                                         px<Zeb32f>(b.acc), step(b.acc), kRoi));
         },
-        [] { auto& b = buf(); cv::accumulate(b.a8, b.acc, b.mask); }, 10 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulate(b.a8, b.acc, b.mask); }, 10 * kPx);
 ZB_PAIR("Add_16u32f_C1IR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAdd_16u32f_C1IR(b.a16.ptr<Zeb16u>(), step(b.a16), b.acc.ptr<float>(), step(b.acc), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAdd_16u32f_C1IR(px<Zeb16u>(b.a16), step(b.a16), px<Zeb32f>(b.acc), step(b.acc), kRoi));
         },
-        [] { auto& b = buf(); cv::accumulate(b.a16, b.acc); }, 10 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulate(b.a16, b.acc); }, 10 * kPx);
 ZB_PAIR("AddSquare_8u32f_C1IR",
-        [] { auto& b = buf(); ZB_CHECK(zebiAddSquare_8u32f_C1IR(b.a8.data, step(b.a8), b.acc.ptr<float>(), step(b.acc), kRoi)); },
-        [] { auto& b = buf(); cv::accumulateSquare(b.a8, b.acc); }, 9 * kPx);
+        [] {
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddSquare_8u32f_C1IR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb32f>(b.acc), step(b.acc), kRoi));
+        },
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateSquare(b.a8, b.acc); }, 9 * kPx);
 ZB_PAIR("AddSquare_8u32f_C1IMR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAddSquare_8u32f_C1IMR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), b.acc.ptr<float>(),
-                                      step(b.acc), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddSquare_8u32f_C1IMR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.mask), step(b.mask),
+                                               px<Zeb32f>(b.acc),
+                                               step(b.acc), kRoi));
         },
-        [] { auto& b = buf(); cv::accumulateSquare(b.a8, b.acc, b.mask); }, 10 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateSquare(b.a8, b.acc, b.mask); }, 10 * kPx);
 ZB_PAIR("AddSquare_32f_C1IR",
-        [] { auto& b = buf(); ZB_CHECK(zebiAddSquare_32f_C1IR(b.af.ptr<float>(), step(b.af), b.acc.ptr<float>(), step(b.acc), kRoi)); },
-        [] { auto& b = buf(); cv::accumulateSquare(b.af, b.acc); }, 12 * kPx);
+        [] {
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddSquare_32f_C1IR(px<Zeb32f>(b.af), step(b.af), px<Zeb32f>(b.acc), step(b.acc), kRoi));
+        },
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateSquare(b.af, b.acc); }, 12 * kPx);
 ZB_PAIR("AddProduct_8u32f_C1IR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAddProduct_8u32f_C1IR(b.a8.data, step(b.a8), b.b8.data, step(b.b8), b.acc.ptr<float>(), step(b.acc), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddProduct_8u32f_C1IR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.b8), step(b.b8),
+                                               px<Zeb32f>(b.acc), step(b.acc), kRoi));
         },
-        [] { auto& b = buf(); cv::accumulateProduct(b.a8, b.b8, b.acc); }, 10 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateProduct(b.a8, b.b8, b.acc); }, 10 * kPx);
 ZB_PAIR("AddProduct_32f_C1IMR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAddProduct_32f_C1IMR(b.af.ptr<float>(), step(b.af), b.bf.ptr<float>(), step(b.bf), b.mask.data,
-                                     step(b.mask), b.acc.ptr<float>(), step(b.acc), kRoi));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddProduct_32f_C1IMR(px<Zeb32f>(b.af), step(b.af), px<Zeb32f>(b.bf), step(b.bf),
+                                              px<Zeb8u>(b.mask),
+                                              step(b.mask), px<Zeb32f>(b.acc), step(b.acc), kRoi));
         },
-        [] { auto& b = buf(); cv::accumulateProduct(b.af, b.bf, b.acc, b.mask); }, 17 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateProduct(b.af, b.bf, b.acc, b.mask); }, 17 * kPx);
 ZB_PAIR("AddWeighted_8u32f_C1IR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAddWeighted_8u32f_C1IR(b.a8.data, step(b.a8), b.acc.ptr<float>(), step(b.acc), kRoi, 0.05f));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddWeighted_8u32f_C1IR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb32f>(b.acc), step(b.acc), kRoi,
+                                                0.05f));
         },
-        [] { auto& b = buf(); cv::accumulateWeighted(b.a8, b.acc, 0.05); }, 9 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateWeighted(b.a8, b.acc, 0.05); }, 9 * kPx);
 ZB_PAIR("AddWeighted_8u32f_C1IMR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAddWeighted_8u32f_C1IMR(b.a8.data, step(b.a8), b.mask.data, step(b.mask), b.acc.ptr<float>(),
-                                        step(b.acc), kRoi, 0.05f));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddWeighted_8u32f_C1IMR(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.mask), step(b.mask),
+                                                 px<Zeb32f>(b.acc),
+                                                 step(b.acc), kRoi, 0.05f));
         },
-        [] { auto& b = buf(); cv::accumulateWeighted(b.a8, b.acc, 0.05, b.mask); }, 10 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateWeighted(b.a8, b.acc, 0.05, b.mask); }, 10 * kPx);
 ZB_PAIR("AddWeighted_32f_C1IR",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiAddWeighted_32f_C1IR(b.af.ptr<float>(), step(b.af), b.acc.ptr<float>(), step(b.acc), kRoi, 0.05f));
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiAddWeighted_32f_C1IR(px<Zeb32f>(b.af), step(b.af), px<Zeb32f>(b.acc), step(b.acc), kRoi,
+                                              0.05f));
         },
-        [] { auto& b = buf(); cv::accumulateWeighted(b.af, b.acc, 0.05); }, 12 * kPx);
+        [] { auto& b = zb::buffers<Buffers>(); cv::accumulateWeighted(b.af, b.acc, 0.05); }, 12 * kPx);
 
 }  // namespace

@@ -1,8 +1,8 @@
-// Every difference and accumulation export with what the tests need to know:
-// its kind, source type, whether it has a second source and a mask, the
-// element sizes of its images in argument order, and the order of its step
-// checks (">" a group of length checks, "e" a group of multiple-of-size
-// checks, digits the images in the group, groups tested left to right).
+// Every difference and accumulation export: its kind, source type, whether
+// it has a second source and a mask, the element sizes of its images in
+// argument order, and the order of its step checks (">" a group of length
+// checks, "e" a group of multiple-of-size checks, digits the images in the
+// group, groups tested left to right).
 #pragma once
 
 #include "harness.h"

@@ -21,7 +21,7 @@ bool mentions(const std::string& s, const char* part) { return s.find(part) != s
 // start of a start-side block fault; the bytes of the block do not.
 TEST(HarnessDeathTest, GuardPagesOnBothSides) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    for (std::size_t n : {std::size_t(1), std::size_t(100), std::size_t(4096), std::size_t(5000)}) {
+    for (std::size_t n : {std::size_t(100), std::size_t(4096)}) {  // with and without slack
         Guarded end(n, Side::End), start(n, Side::Start);
         EXPECT_EQ(end.side(), Side::End);
         EXPECT_EQ(start.side(), Side::Start);
@@ -134,17 +134,15 @@ TEST(Harness, PaddingWritesAreReported) {
                 }).empty());
 }
 
-// A ROI inside a larger block: the pointers, the cv::Mat views and the
-// moved image's check.
+// A ROI inside a larger block: the cv::Mat views agree with the pointers,
+// and a moved image still checks its padding.
 TEST(Harness, RoiInsideALargerBlock) {
     zt::Image<int16_t> img(6, 3, 3, 4, zt::Margin{2, 3});
-    EXPECT_EQ(img.step(), (6 + 4) * 3 * 2 + 4);
-    EXPECT_EQ(img.block().size(), std::size_t(img.step()) * 8 + 60);
-    EXPECT_EQ(reinterpret_cast<unsigned char*>(img.ptr()) - img.block().data(), 3 * img.step() + 2 * 3 * 2);
     const cv::Mat outer = img.outer_mat(), roi = img.mat();
-    EXPECT_EQ(outer.cols, 10);
-    EXPECT_EQ(outer.rows, 9);
+    ASSERT_EQ(outer.size(), cv::Size(10, 9));
     EXPECT_EQ(cv::norm(outer(cv::Rect(2, 3, 6, 3)), roi, cv::NORM_INF), 0.0);
+    // The block ends where the last margin row ends.
+    EXPECT_EQ(img.block().data() + img.block().size(), outer.ptr<unsigned char>(8) + 10 * 3 * 2);
     // The margin is noise, not a constant.
     EXPECT_NE(img.at(-1, -1, 0), img.at(-2, -3, 1));
 
