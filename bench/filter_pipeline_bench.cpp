@@ -9,27 +9,20 @@
 namespace {
 
 using zb::kH;
+using zb::kRoi;
 using zb::kW;
-
-const ZebiSize kRoi{kW, kH};
-
-int step(const cv::Mat& m) { return int(m.step); }
-
-// The work-buffer size a pass's query gives for the benchmark ROI.
-int buffer_size(ZebStatus (*query)(ZebiSize, int, int*), int k) {
-    int bytes = 0;
-    ZB_CHECK(query(kRoi, k, &bytes));
-    return bytes;
-}
+using zb::px;
+using zb::step;
 
 // A prepared Gaussian filter: kernel setup and work buffer.
 struct Gauss {
-    std::vector<Zeb8u> spec, buf;
+    std::vector<Zeb8u> spec;
+    zb::Work buf;
     Gauss(int k, float sigma, ZebDataType type, int ch) {
         int s = 0, b = 0;
         ZB_CHECK(zebiFilterGaussianGetBufferSize(kRoi, Zeb32u(k), type, ch, &s, &b));
-        spec.resize(s);
-        buf.resize(b);
+        spec.resize(std::size_t(s));
+        buf.bytes.resize(std::size_t(b));
         ZB_CHECK(zebiFilterGaussianInit(kRoi, Zeb32u(k), sigma, zebBorderRepl, type, ch, this->s(), buf.data()));
     }
     ZebFilterGaussianSpec* s() { return reinterpret_cast<ZebFilterGaussianSpec*>(spec.data()); }
@@ -43,11 +36,6 @@ struct Buffers {
     Gauss g8{5, 1.5f, zeb8u, 1}, g8c3{5, 1.5f, zeb8u, 3}, gf{11, 3.f, zeb32f, 1}, g16{5, 1.5f, zeb16u, 1};
 };
 
-Buffers& buf() {
-    static Buffers b;
-    return b;
-}
-
 // A row + column pipeline run strip by strip through a ring of filtered
 // rows, vertical borders replicated by repeating row pointers: the way a
 // caller of the two passes filters a whole image.
@@ -57,10 +45,11 @@ struct Strips {
     int k;
     std::vector<std::vector<M>> ring;
     std::vector<const M*> ptrs;
-    std::vector<Zeb8u> rowBuf, colBuf;
-    Strips(int k_, int rowBytes, int colBytes)
-        : k(k_), ring(kStrip + k_, std::vector<M>(std::size_t(kW))), ptrs(kStrip + k_), rowBuf(rowBytes),
-          colBuf(colBytes) {}
+    zb::Work rowBuf, colBuf;
+    template <class RowQuery, class ColQuery>
+    Strips(int k_, RowQuery rowQuery, ColQuery colQuery)
+        : k(k_), ring(kStrip + k_, std::vector<M>(std::size_t(kW))), ptrs(kStrip + k_), rowBuf(rowQuery, kRoi, k_),
+          colBuf(colQuery, kRoi, k_) {}
     template <class RowFn, class ColFn>
     void run(const cv::Mat& src, cv::Mat& dst, RowFn rowFn, ColFn colFn) {
         const int a = k / 2, R = int(ring.size());
@@ -88,42 +77,42 @@ struct Strips {
 
 ZB_PAIR("GaussianBorder_8u_C1R 5x5 s1.5",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiFilterGaussianBorder_8u_C1R(b.a8.data, step(b.a8), b.d8.data, step(b.d8), kRoi, 0, b.g8.s(),
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiFilterGaussianBorder_8u_C1R(px<Zeb8u>(b.a8), step(b.a8), px<Zeb8u>(b.d8), step(b.d8), kRoi, 0, b.g8.s(),
                                                      b.g8.buf.data()));
         },
-        [] { auto& b = buf(); cv::GaussianBlur(b.a8, b.d8, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
+        [] { auto& b = zb::buffers<Buffers>(); cv::GaussianBlur(b.a8, b.d8, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
 ZB_PAIR("GaussianBorder_8u_C3R 5x5 s1.5",
         [] {
-            auto& b = buf();
+            auto& b = zb::buffers<Buffers>();
             const Zeb8u v[3] = {0, 0, 0};
-            ZB_CHECK(zebiFilterGaussianBorder_8u_C3R(b.a8c3.data, step(b.a8c3), b.d8c3.data, step(b.d8c3), kRoi, v,
+            ZB_CHECK(zebiFilterGaussianBorder_8u_C3R(px<Zeb8u>(b.a8c3), step(b.a8c3), px<Zeb8u>(b.d8c3), step(b.d8c3), kRoi, v,
                                                      b.g8c3.s(), b.g8c3.buf.data()));
         },
-        [] { auto& b = buf(); cv::GaussianBlur(b.a8c3, b.d8c3, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
+        [] { auto& b = zb::buffers<Buffers>(); cv::GaussianBlur(b.a8c3, b.d8c3, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
 ZB_PAIR("GaussianBorder_32f_C1R 11x11 s3",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiFilterGaussianBorder_32f_C1R(b.af.ptr<Zeb32f>(), step(b.af), b.df.ptr<Zeb32f>(), step(b.df),
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiFilterGaussianBorder_32f_C1R(px<Zeb32f>(b.af), step(b.af), px<Zeb32f>(b.df), step(b.df),
                                                       kRoi, 0.f, b.gf.s(), b.gf.buf.data()));
         },
-        [] { auto& b = buf(); cv::GaussianBlur(b.af, b.df, cv::Size(11, 11), 3, 3, cv::BORDER_REPLICATE); }, 0);
+        [] { auto& b = zb::buffers<Buffers>(); cv::GaussianBlur(b.af, b.df, cv::Size(11, 11), 3, 3, cv::BORDER_REPLICATE); }, 0);
 ZB_PAIR("GaussianBorder_16u_C1R 5x5 s1.5",
         [] {
-            auto& b = buf();
-            ZB_CHECK(zebiFilterGaussianBorder_16u_C1R(b.a16.ptr<Zeb16u>(), step(b.a16), b.d16.ptr<Zeb16u>(),
+            auto& b = zb::buffers<Buffers>();
+            ZB_CHECK(zebiFilterGaussianBorder_16u_C1R(px<Zeb16u>(b.a16), step(b.a16), px<Zeb16u>(b.d16),
                                                       step(b.d16), kRoi, 0, b.g16.s(), b.g16.buf.data()));
         },
-        [] { auto& b = buf(); cv::GaussianBlur(b.a16, b.d16, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
+        [] { auto& b = zb::buffers<Buffers>(); cv::GaussianBlur(b.a16, b.d16, cv::Size(5, 5), 1.5, 1.5, cv::BORDER_REPLICATE); }, 0);
 
 const Zeb32f kF5[5] = {0.0625f, 0.25f, 0.375f, 0.25f, 0.0625f};
 const Zeb16s kI5[5] = {1, 4, 6, 4, 1};
 
 ZB_PAIR("RowBorderPipeline+Column_32f_C1R 5x5",
         [] {
-            auto& b = buf();
-            static Strips<float, float, float> s(5, buffer_size(zebiFilterRowBorderPipelineGetBufferSize_32f_C1R, 5),
-                                                 buffer_size(zebiFilterColumnPipelineGetBufferSize_32f_C1R, 5));
+            auto& b = zb::buffers<Buffers>();
+            static Strips<float, float, float> s(5, zebiFilterRowBorderPipelineGetBufferSize_32f_C1R,
+                                                 zebiFilterColumnPipelineGetBufferSize_32f_C1R);
             s.run(b.af, b.df,
                   [&](const float* src, int ss, float* const* d, ZebiSize r) {
                       ZB_CHECK(zebiFilterRowBorderPipeline_32f_C1R(src, ss, d, r, kF5, 5, 2, zebBorderRepl, 0.f,
@@ -134,16 +123,16 @@ ZB_PAIR("RowBorderPipeline+Column_32f_C1R 5x5",
                   });
         },
         [] {
-            auto& b = buf();
+            auto& b = zb::buffers<Buffers>();
             static const cv::Mat k = cv::Mat(5, 1, CV_32F, const_cast<float*>(kF5)).clone();
             cv::sepFilter2D(b.af, b.df, CV_32F, k, k, cv::Point(-1, -1), 0, cv::BORDER_REPLICATE);
         },
         0);
 ZB_PAIR("RowBorderPipeline8u16s+Column16s8u_C1R 5x5",
         [] {
-            auto& b = buf();
-            static Strips<uint8_t, int16_t, uint8_t> s(5, buffer_size(zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R, 5),
-                                                        buffer_size(zebiFilterColumnPipelineGetBufferSize_16s8u_C1R, 5));
+            auto& b = zb::buffers<Buffers>();
+            static Strips<uint8_t, int16_t, uint8_t> s(5, zebiFilterRowBorderPipelineGetBufferSize_8u16s_C1R,
+                                                        zebiFilterColumnPipelineGetBufferSize_16s8u_C1R);
             s.run(b.a8, b.d8,
                   [&](const uint8_t* src, int ss, int16_t* const* d, ZebiSize r) {
                       ZB_CHECK(zebiFilterRowBorderPipeline_8u16s_C1R(src, ss, d, r, kI5, 5, 2, zebBorderRepl, 0, 1,
@@ -154,7 +143,7 @@ ZB_PAIR("RowBorderPipeline8u16s+Column16s8u_C1R 5x5",
                   });
         },
         [] {
-            auto& b = buf();
+            auto& b = zb::buffers<Buffers>();
             static const cv::Mat k = cv::Mat(5, 1, CV_32F, const_cast<float*>(kF5)).clone();
             cv::sepFilter2D(b.a8, b.d8, CV_8U, k, k, cv::Point(-1, -1), 0, cv::BORDER_REPLICATE);
         },
