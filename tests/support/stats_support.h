@@ -1,6 +1,7 @@
 // Helpers shared by the statistics suites: the member list (every export
 // reachable through its table entries), masks, channel values, the shape
-// sweep, photographs and the error bound of single-precision sums.
+// sweep, the images compared with OpenCV and the error bound of
+// single-precision sums.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -153,8 +154,9 @@ struct Id {
     int elem;  // 1 (8u), -1 (8s), 2 (16u), 4 (32f)
     int ch;
     bool masked;
-    auto key() const { return std::make_tuple(fam, kind, elem, ch, masked); }
-    bool operator<(const Id& o) const { return key() < o.key(); }
+    bool operator<(const Id& o) const {
+        return std::tie(fam, kind, elem, ch, masked) < std::tie(o.fam, o.kind, o.elem, o.ch, o.masked);
+    }
 };
 
 template <class T>
@@ -221,15 +223,6 @@ void fill_range(Image<T>& img, double lo, double hi) {
         }
 }
 
-// Channel c of row y, and the matching mask row (null without a mask).
-template <class T>
-std::vector<T> channel_row(const Image<T>& img, int y, int c) {
-    std::vector<T> v(img.width());
-    for (int x = 0; x < img.width(); ++x) v[x] = img.at(x, y, c);
-    return v;
-}
-inline const uint8_t* mask_row(const Image<uint8_t>* m, int y) { return m ? m->row(y) : nullptr; }
-
 // One channel as a continuous cv::Mat copy.
 template <class T>
 cv::Mat channel_mat(const Image<T>& img, int c) {
@@ -260,44 +253,45 @@ void sweep_images(F&& f) {
             }
 }
 
-// The sample photographs the suites run on.
-inline const std::vector<const char*>& photo_names() {
-    static const std::vector<const char*> n = {"baboon.jpg", "fruits.jpg", "building.jpg"};
-    return n;
+// The images compared with OpenCV, one and three channels: a random one
+// (values in [lo, hi]) with a random mask, and the sample photographs (8s
+// shifted by -128, 16u scaled by 257, 32f scaled to [-1, 1]), each with
+// the grey values above 110 of the next one as its mask (irregular
+// regions, as masks are in practice). Calls f(image, mask, description).
+template <class T, class F>
+void for_opencv_images(double lo, double hi, F&& f) {
+    const char* const names[] = {"baboon.jpg", "fruits.jpg", "building.jpg"};
+    for (int ch : {1, 3}) {
+        Image<T> s(640, 480, ch, 4 * int(sizeof(T)));
+        fill_range(s, lo, hi);
+        Image<uint8_t> m(640, 480, 1, 7);
+        fill_mask(m, 65);
+        f(s, m, "random ch " + std::to_string(ch));
+        for (int i = 0; i < 3; ++i) {
+            const cv::Mat p = zt::photo(names[i], ch == 3 ? cv::IMREAD_COLOR : cv::IMREAD_GRAYSCALE);
+            cv::Mat g = zt::photo(names[(i + 1) % 3], cv::IMREAD_GRAYSCALE), conv;
+            ASSERT_FALSE(p.empty() || g.empty()) << "cannot read " << names[i] << " or the next photograph";
+            const bool u16 = std::is_same_v<T, uint16_t>, f32 = std::is_same_v<T, float>;
+            p.convertTo(conv, zt::CvDepth<T>::v,
+                        u16   ? 257
+                        : f32 ? 1 / 127.5
+                              : 1,
+                        std::is_same_v<T, int8_t> ? -128
+                        : f32                     ? -1
+                                                  : 0);
+            cv::resize(g, g, p.size(), 0, 0, cv::INTER_NEAREST);
+            cv::threshold(g, g, 110, 0, cv::THRESH_TOZERO);
+            f(zt::image_of<T>(conv, 3 * int(sizeof(T))), zt::image_of<uint8_t>(g, 5),
+              names[i] + std::string(" ch ") + std::to_string(ch));
+        }
+    }
 }
-
-// A photograph as a guarded image of T with ch channels: 8u as decoded, 8s
-// shifted by -128, 16u scaled by 257, 32f scaled to [-1, 1].
-template <class T>
-Image<T> photo(const char* name, int ch) {
-    const cv::Mat src = zt::photo(name, ch == 3 ? cv::IMREAD_COLOR : cv::IMREAD_GRAYSCALE);
-    EXPECT_FALSE(src.empty()) << "cannot read " << name;
-    cv::Mat conv;
-    const double scale = std::is_same_v<T, uint16_t> ? 257 : std::is_same_v<T, float> ? 1 / 127.5 : 1;
-    const double shift = std::is_same_v<T, int8_t> ? -128 : std::is_same_v<T, float> ? -1 : 0;
-    (src.empty() ? cv::Mat(1, 1, CV_8UC(ch), cv::Scalar::all(0)) : src)
-        .convertTo(conv, zt::CvDepth<T>::v, scale, shift);
-    return zt::image_of<T>(conv, 3 * int(sizeof(T)));
-}
-
-// A mask from another photograph: its grey values above 110, resized to
-// w x h (irregular regions, as masks are in practice).
-inline Image<uint8_t> photo_mask(const char* name, int w, int h) {
-    cv::Mat g = zt::photo(name, cv::IMREAD_GRAYSCALE), r;
-    EXPECT_FALSE(g.empty()) << "cannot read " << name;
-    if (g.empty()) g = cv::Mat(1, 1, CV_8U, cv::Scalar(0));
-    cv::resize(g, r, cv::Size(w, h), 0, 0, cv::INTER_NEAREST);
-    cv::threshold(r, r, 110, 0, cv::THRESH_TOZERO);
-    return zt::image_of<uint8_t>(r, 5);
-}
-
-// Unit roundoff of single precision.
-inline constexpr long double kUnitF = 1.0L / 16777216.0L;
 
 // Forward error bound of a sum of terms whose absolute values add up to
-// sumAbs, accumulated in single precision in chains of at most chain
-// additions each, plus `extra` further roundings on every term (forming
-// the term, folding lanes): (chain + extra) * u * sumAbs.
+// sumAbs, accumulated in single precision (unit roundoff u = 2^-24) in
+// chains of at most chain additions each, plus `extra` further roundings
+// on every term (forming the term, folding lanes): (chain + extra) u sumAbs.
+inline constexpr long double kUnitF = 1.0L / 16777216.0L;
 inline long double float_sum_bound(long double chain, long double extra, long double sumAbs) {
     return (chain + extra) * kUnitF * sumAbs;
 }
