@@ -16,8 +16,7 @@ ZT_TARGET_SUITE(MeanStdDev);
 // Mean only (masked forms) or mean and deviation, with or without a mask.
 template <class T>
 ZebStatus call(int v, bool meanOnly, const Image<T>& s, const Image<uint8_t>* m, int coi, double* mean, double* sd) {
-    return zst::run<T>(meanOnly ? zst::Family::Mean : zst::Family::MeanStdDev, zst::Kind::None, v, s, nullptr, m,
-                       {mean, sd}, coi);
+    return zst::run<T>(meanOnly ? "zebiMean" : "zebiMean_StdDev", v, s, nullptr, m, {mean, sd}, coi);
 }
 
 struct Result {

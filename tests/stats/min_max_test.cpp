@@ -28,7 +28,7 @@ std::ostream& operator<<(std::ostream& os, const Ext& e) {
 
 template <class T>
 ZebStatus call(int v, const Image<T>& s, const Image<uint8_t>* m, int coi, Ext& e) {
-    return zst::run<T>(zst::Family::MinMax, zst::Kind::None, v, s, nullptr, m, {&e.mn, &e.mx, &e.imn, &e.imx}, coi);
+    return zst::run<T>("zebiMinMaxIndx", v, s, nullptr, m, {&e.mn, &e.mx, &e.imn, &e.imx}, coi);
 }
 
 // The definition: one scan in row order, strict comparisons, NaN skipped.
@@ -131,9 +131,7 @@ TEST_P(MinMaxIndx, FirstOccurrenceEmptySelectionNullOutputs) {
         const Ext want = scan(b, nullptr, 0);
         float mx = 0;
         ZebiPoint imn{-1, -1};
-        ASSERT_EQ(zst::run<int8_t>(zst::Family::MinMax, zst::Kind::None, v, b, nullptr, nullptr,
-                                   {nullptr, &mx, &imn, nullptr}),
-                  0);
+        ASSERT_EQ(zst::run<int8_t>("zebiMinMaxIndx", v, b, nullptr, nullptr, {nullptr, &mx, &imn, nullptr}), 0);
         EXPECT_TRUE(mx == want.mx && imn.x == want.imn.x && imn.y == want.imn.y);
     }
 }

@@ -24,10 +24,9 @@ ZT_TARGET_SUITE(Norm);
 template <class T>
 ZebStatus call(int v, Fam f, Kind k, const Image<T>& a, const Image<T>& b, const Image<uint8_t>& m, int coi,
                double* out) {
-    const zst::Family fam = f == Fam::Norm   ? zst::Family::Norm
-                            : f == Fam::Diff ? zst::Family::NormDiff
-                                             : zst::Family::NormRel;
-    return zst::run<T>(fam, zst::Kind(int(k) + 1), v, a, f == Fam::Norm ? nullptr : &b, &m, {out}, coi);
+    static const char *const fams[] = {"zebiNorm_", "zebiNormDiff_", "zebiNormRel_"}, *const kinds[] = {"Inf", "L1",
+                                                                                                        "L2"};
+    return zst::run<T>(std::string(fams[int(f)]) + kinds[int(k)], v, a, f == Fam::Norm ? nullptr : &b, &m, {out}, coi);
 }
 
 double nan_bits() {

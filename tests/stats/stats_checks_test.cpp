@@ -7,75 +7,67 @@
 
 namespace {
 
-using Fam = zst::Family;
-using zt::checks::Case;
-
+using A = zt::CallArgs;
 constexpr int kW = 9, kH = 4;
 
-// The images and outputs of a member, in argument order.
-struct Arg {
-    int elem;       // element size of an image; 0 for an output
-    bool required;  // a null pointer is refused
-    int outBytes;
-};
-
+// A member's arguments as its name gives them: the images (sources, then
+// the mask) with their element sizes, the outputs with their sizes, and
+// the groups of step checks in order (">" lengths, "e" parity, of the
+// listed images).
 struct Shape {
-    std::vector<Arg> args;
-    int nImages = 0, mask = -1;       // index of the mask image
-    std::vector<std::string> groups;  // ">" length checks, "e" parity checks of the listed images
+    std::vector<int> elem, outBytes;
+    int mask = -1, ch = 1;
+    bool outsOptional = true;
+    std::vector<std::string> groups;
 };
 
-Shape shape_of(const zst::Member& e) {
+Shape shape_of(const std::string& name) {
+    auto has = [&](const char* s) { return name.find(s) != std::string::npos; };
     Shape s;
-    const Fam fam = e.id.fam;
-    const int elem = std::abs(e.id.elem);
-    const bool two = fam == Fam::NormDiff || fam == Fam::NormRel;
-    s.args.assign(two ? 2 : 1, {elem, true, 0});
-    if (e.id.masked) s.mask = int(s.args.size()), s.args.push_back({1, true, 0});
-    s.nImages = int(s.args.size());
-    if (fam == Fam::MeanStdDev)
-        s.args.insert(s.args.end(), 2, {0, false, 8});
-    else if (fam == Fam::MinMax)
-        for (int b : {4, 4, 8, 8}) s.args.push_back({0, false, b});
-    else
-        s.args.push_back({0, true, 8});
-    const std::string all = e.id.masked ? (two ? "012" : "01") : "0";
-    if (fam >= Fam::Norm)
+    const bool norm = has("Norm"), two = has("NormDiff") || has("NormRel"), masked = has("MR");
+    const int elem = has("_32f_") ? 4 : has("_16u_") ? 2 : 1;
+    s.ch = has("C3C") ? 3 : 1;
+    s.elem.assign(two ? 2 : 1, elem);
+    if (masked) s.mask = int(s.elem.size()), s.elem.push_back(1);
+    s.outBytes = has("MinMax") ? std::vector<int>{4, 4, 8, 8} : has("StdDev") ? std::vector<int>{8, 8} : std::vector{8};
+    s.outsOptional = has("MinMax") || has("StdDev");
+    const std::string all = masked ? (two ? "012" : "01") : "0";
+    if (norm)
         s.groups = {">" + all, two ? "e01" : "e0"};
     else if (elem == 2)
-        s.groups = {">0", "e0", e.id.masked ? ">1" : ">"};
+        s.groups = {">0", "e0", masked ? ">1" : ">"};
     else
         s.groups = {">" + all, "e0"};
     return s;
 }
 
-int row_bytes(const Shape& s, const zst::Member& e, int i) { return i == s.mask ? kW : kW * e.id.ch * s.args[i].elem; }
+int row_bytes(const Shape& s, int i) { return i == s.mask ? kW : kW * s.ch * s.elem[i]; }
 
 // The status the member's documented order gives for these steps.
-ZebStatus expected_for(const Shape& s, const zst::Member& e, const std::vector<int>& steps) {
+ZebStatus expected_for(const Shape& s, const std::vector<int>& steps) {
     for (const std::string& g : s.groups)
         for (std::size_t k = 1; k < g.size(); ++k) {
             const int i = g[k] - '0';
-            if (g[0] == '>' && steps[i] < row_bytes(s, e, i)) return zebStsStepErr;
-            if (g[0] == 'e' && steps[i] % s.args[i].elem != 0) return zebStsNotEvenStepErr;
+            if (g[0] == '>' && steps[i] < row_bytes(s, i)) return zebStsStepErr;
+            if (g[0] == 'e' && steps[i] % s.elem[i] != 0) return zebStsNotEvenStepErr;
         }
     return zebStsNoErr;
 }
 
 TEST(StatsChecks, EveryMemberInDocumentedOrder) {
-    for (const zst::Member& e : zst::members()) {
-        const Shape s = shape_of(e);
-        using A = zt::CallArgs;
-        std::vector<Case<A>> cases;
-        auto add = [&](std::string name, std::function<void(A&)> f, ZebStatus want) {
-            cases.push_back({std::move(name), std::move(f), want});
+    for (const auto& [name, fn] : zst::members()) {
+        const Shape s = shape_of(name);
+        const int nImg = int(s.elem.size()), nArg = nImg + int(s.outBytes.size());
+        std::vector<zt::checks::Case<A>> cases;
+        auto add = [&](std::string what, std::function<void(A&)> f, ZebStatus want) {
+            cases.push_back({std::move(what), std::move(f), want});
         };
         // Null required pointers come first, even with a bad size, step and
         // channel; optional outputs may be null, all at once too, and the
         // size is still checked then.
-        for (int i = 0; i < int(s.args.size()); ++i) {
+        for (int i = 0; i < nArg; ++i) {
             const std::string n = std::to_string(i);
-            if (s.args[i].required) {
+            if (i < nImg || !s.outsOptional) {
                 add(
                     "null " + n, [i](A& a) { a.ptrs[i] = nullptr; }, zebStsNullPtrErr);
                 add(
@@ -86,15 +78,11 @@ TEST(StatsChecks, EveryMemberInDocumentedOrder) {
                     "null output " + n, [i](A& a) { a.ptrs[i] = nullptr; }, zebStsNoErr);
             }
         }
-        if (!s.args.back().required) {
-            const int first = s.nImages;
+        auto no_outputs = [nImg](A& a) { std::fill(a.ptrs.begin() + nImg, a.ptrs.end(), nullptr); };
+        if (s.outsOptional) {
+            add("every output null", no_outputs, zebStsNoErr);
             add(
-                "every output null", [first](A& a) { std::fill(a.ptrs.begin() + first, a.ptrs.end(), nullptr); },
-                zebStsNoErr);
-            add(
-                "every output null, bad size",
-                [first](A& a) { std::fill(a.ptrs.begin() + first, a.ptrs.end(), nullptr), a.roi.height = -1; },
-                zebStsSizeErr);
+                "every output null, bad size", [=](A& a) { no_outputs(a), a.roi.height = -1; }, zebStsSizeErr);
         }
         // Bad sizes come before steps and channel.
         for (ZebiSize bad : {ZebiSize{0, kH}, ZebiSize{kW, 0}, ZebiSize{-3, kH}, ZebiSize{kW, -1}})
@@ -105,54 +93,46 @@ TEST(StatsChecks, EveryMemberInDocumentedOrder) {
         for (int coi : {0, 4, -1, 1, 3})
             add(
                 "coi " + std::to_string(coi), [coi](A& a) { a.param = coi; },
-                e.id.ch == 3 && (coi < 1 || coi > 3) ? zebStsCOIErr : zebStsNoErr);
+                s.ch == 3 && (coi < 1 || coi > 3) ? zebStsCOIErr : zebStsNoErr);
         // Single bad steps (a bad channel never hides them), and every pair
         // of a short step with an uneven one: the pairs pin down the order
         // of the groups.
-        A good;
-        for (int i = 0; i < s.nImages; ++i) good.steps.push_back(row_bytes(s, e, i));
-        for (int i = 0; i < s.nImages; ++i) {
-            const std::string n = std::to_string(i);
-            for (int d : {-1, 1}) {
-                A t = good;
-                t.steps[i] += d;
+        std::vector<int> good;
+        for (int i = 0; i < nImg; ++i) good.push_back(row_bytes(s, i));
+        for (int i = 0; i < nImg; ++i)
+            for (int j = -2; j < nImg; ++j) {
+                if (i == j || (j >= 0 && s.elem[j] == 1)) continue;
+                std::vector<int> t = good;
+                // j -2: short by one byte, bad coi; -1: long by one byte;
+                // else short by one element with an uneven step j.
+                const int di = j == -2 ? -1 : j == -1 ? 1 : -s.elem[i];
+                t[i] += di;
+                if (j >= 0) t[j] += 1;
                 add(
-                    "step " + n + (d < 0 ? " short, bad coi" : " long, uneven"),
-                    [i, d](A& a) { a.steps[i] += d, a.param = d < 0 ? 0 : a.param; }, expected_for(s, e, t.steps));
+                    "step " + std::to_string(i) + " by " + std::to_string(di) + ", uneven " + std::to_string(j),
+                    [i, j, di](A& a) {
+                        a.steps[i] += di;
+                        if (j >= 0) a.steps[j] += 1;
+                        if (j == -2) a.param = 0;
+                    },
+                    expected_for(s, t));
             }
-            for (int j = 0; j < s.nImages; ++j) {
-                if (i == j || s.args[j].elem == 1) continue;
-                A t = good;
-                const int di = s.args[i].elem;
-                t.steps[i] -= di, t.steps[j] += 1;
-                add(
-                    "short " + n + ", uneven " + std::to_string(j),
-                    [i, j, di](A& a) { a.steps[i] -= di, a.steps[j] += 1; }, expected_for(s, e, t.steps));
-            }
-        }
-        // The valid call: exact steps, every pixel selected, channel 2, and
-        // sources of one non-zero value (so that relative norms divide by a
+        // The valid call: exact steps, channel 2, and images of one non-zero
+        // byte value (every pixel selected, relative norms divide by a
         // non-zero reference and return no warning).
-        zt::checks::Table<A> t{e.name,
-                               [s, e](zt::checks::Arena& m) {
-                                   A a;
-                                   for (int i = 0; i < int(s.args.size()); ++i) {
-                                       const std::string n = "arg " + std::to_string(i);
-                                       if (i >= s.nImages) {
-                                           a.ptrs.push_back(m.block(n, std::size_t(s.args[i].outBytes)));
-                                           continue;
-                                       }
-                                       const int ch = i == s.mask ? 1 : e.id.ch;
-                                       auto img = m.image<uint8_t>(n, kW * s.args[i].elem, kH, ch, 4);
-                                       std::memset(img.ptr, 0x3f,
-                                                   std::size_t(img.step + 4) * (kH - 1) + std::size_t(img.step));
-                                       a.ptrs.push_back(img.ptr), a.steps.push_back(img.step);
-                                   }
-                                   a.roi = {kW, kH}, a.param = 2;
-                                   return a;
-                               },
-                               [&e](int v, A& a) { return e.fn(v, a); }, std::move(cases)};
-        zt::checks::run(t);
+        auto valid = [s, nImg](zt::checks::Arena& m) {
+            A a;
+            for (int i = 0; i < nImg; ++i) {
+                auto img = m.image<uint8_t>("image " + std::to_string(i), row_bytes(s, i), kH, 1, 4);
+                std::memset(img.ptr, 0x3f, std::size_t(img.step + 4) * (kH - 1) + std::size_t(img.step));
+                a.ptrs.push_back(img.ptr), a.steps.push_back(img.step);
+            }
+            for (std::size_t o = 0; o < s.outBytes.size(); ++o)
+                a.ptrs.push_back(m.block("output " + std::to_string(o), std::size_t(s.outBytes[o])));
+            a.roi = {kW, kH}, a.param = 2;
+            return a;
+        };
+        zt::checks::run(zt::checks::Table<A>{name, valid, [&fn](int v, A& a) { return fn(v, a); }, std::move(cases)});
     }
 }
 

@@ -13,129 +13,127 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "call.h"
 #include "harness.h"
 
-// Every statistics export: X(name, family, norm kind, source type,
-// channels, masked).
-#define ZT_STATS_MEMBERS(X)                                      \
-    X(zebiMean_8u_C1MR, Mean, None, Zeb8u, 1, 1)                 \
-    X(zebiMean_8u_C3CMR, Mean, None, Zeb8u, 3, 1)                \
-    X(zebiMean_StdDev_8u_C1R, MeanStdDev, None, Zeb8u, 1, 0)     \
-    X(zebiMean_StdDev_8u_C1MR, MeanStdDev, None, Zeb8u, 1, 1)    \
-    X(zebiMean_StdDev_8u_C3CR, MeanStdDev, None, Zeb8u, 3, 0)    \
-    X(zebiMean_StdDev_8u_C3CMR, MeanStdDev, None, Zeb8u, 3, 1)   \
-    X(zebiMinMaxIndx_8u_C1R, MinMax, None, Zeb8u, 1, 0)          \
-    X(zebiMinMaxIndx_8u_C1MR, MinMax, None, Zeb8u, 1, 1)         \
-    X(zebiMinMaxIndx_8u_C3CR, MinMax, None, Zeb8u, 3, 0)         \
-    X(zebiMinMaxIndx_8u_C3CMR, MinMax, None, Zeb8u, 3, 1)        \
-    X(zebiNorm_Inf_8u_C1MR, Norm, Inf, Zeb8u, 1, 1)              \
-    X(zebiNorm_Inf_8u_C3CMR, Norm, Inf, Zeb8u, 3, 1)             \
-    X(zebiNormDiff_Inf_8u_C1MR, NormDiff, Inf, Zeb8u, 1, 1)      \
-    X(zebiNormDiff_Inf_8u_C3CMR, NormDiff, Inf, Zeb8u, 3, 1)     \
-    X(zebiNormRel_Inf_8u_C1MR, NormRel, Inf, Zeb8u, 1, 1)        \
-    X(zebiNormRel_Inf_8u_C3CMR, NormRel, Inf, Zeb8u, 3, 1)       \
-    X(zebiNorm_L1_8u_C1MR, Norm, L1, Zeb8u, 1, 1)                \
-    X(zebiNorm_L1_8u_C3CMR, Norm, L1, Zeb8u, 3, 1)               \
-    X(zebiNormDiff_L1_8u_C1MR, NormDiff, L1, Zeb8u, 1, 1)        \
-    X(zebiNormDiff_L1_8u_C3CMR, NormDiff, L1, Zeb8u, 3, 1)       \
-    X(zebiNormRel_L1_8u_C1MR, NormRel, L1, Zeb8u, 1, 1)          \
-    X(zebiNormRel_L1_8u_C3CMR, NormRel, L1, Zeb8u, 3, 1)         \
-    X(zebiNorm_L2_8u_C1MR, Norm, L2, Zeb8u, 1, 1)                \
-    X(zebiNorm_L2_8u_C3CMR, Norm, L2, Zeb8u, 3, 1)               \
-    X(zebiNormDiff_L2_8u_C1MR, NormDiff, L2, Zeb8u, 1, 1)        \
-    X(zebiNormDiff_L2_8u_C3CMR, NormDiff, L2, Zeb8u, 3, 1)       \
-    X(zebiNormRel_L2_8u_C1MR, NormRel, L2, Zeb8u, 1, 1)          \
-    X(zebiNormRel_L2_8u_C3CMR, NormRel, L2, Zeb8u, 3, 1)         \
-    X(zebiMean_8s_C1MR, Mean, None, Zeb8s, 1, 1)                 \
-    X(zebiMean_8s_C3CMR, Mean, None, Zeb8s, 3, 1)                \
-    X(zebiMean_StdDev_8s_C1R, MeanStdDev, None, Zeb8s, 1, 0)     \
-    X(zebiMean_StdDev_8s_C1MR, MeanStdDev, None, Zeb8s, 1, 1)    \
-    X(zebiMean_StdDev_8s_C3CR, MeanStdDev, None, Zeb8s, 3, 0)    \
-    X(zebiMean_StdDev_8s_C3CMR, MeanStdDev, None, Zeb8s, 3, 1)   \
-    X(zebiMinMaxIndx_8s_C1R, MinMax, None, Zeb8s, 1, 0)          \
-    X(zebiMinMaxIndx_8s_C1MR, MinMax, None, Zeb8s, 1, 1)         \
-    X(zebiMinMaxIndx_8s_C3CR, MinMax, None, Zeb8s, 3, 0)         \
-    X(zebiMinMaxIndx_8s_C3CMR, MinMax, None, Zeb8s, 3, 1)        \
-    X(zebiNorm_Inf_8s_C1MR, Norm, Inf, Zeb8s, 1, 1)              \
-    X(zebiNorm_Inf_8s_C3CMR, Norm, Inf, Zeb8s, 3, 1)             \
-    X(zebiNormDiff_Inf_8s_C1MR, NormDiff, Inf, Zeb8s, 1, 1)      \
-    X(zebiNormDiff_Inf_8s_C3CMR, NormDiff, Inf, Zeb8s, 3, 1)     \
-    X(zebiNormRel_Inf_8s_C1MR, NormRel, Inf, Zeb8s, 1, 1)        \
-    X(zebiNormRel_Inf_8s_C3CMR, NormRel, Inf, Zeb8s, 3, 1)       \
-    X(zebiNorm_L1_8s_C1MR, Norm, L1, Zeb8s, 1, 1)                \
-    X(zebiNorm_L1_8s_C3CMR, Norm, L1, Zeb8s, 3, 1)               \
-    X(zebiNormDiff_L1_8s_C1MR, NormDiff, L1, Zeb8s, 1, 1)        \
-    X(zebiNormDiff_L1_8s_C3CMR, NormDiff, L1, Zeb8s, 3, 1)       \
-    X(zebiNormRel_L1_8s_C1MR, NormRel, L1, Zeb8s, 1, 1)          \
-    X(zebiNormRel_L1_8s_C3CMR, NormRel, L1, Zeb8s, 3, 1)         \
-    X(zebiNorm_L2_8s_C1MR, Norm, L2, Zeb8s, 1, 1)                \
-    X(zebiNorm_L2_8s_C3CMR, Norm, L2, Zeb8s, 3, 1)               \
-    X(zebiNormDiff_L2_8s_C1MR, NormDiff, L2, Zeb8s, 1, 1)        \
-    X(zebiNormDiff_L2_8s_C3CMR, NormDiff, L2, Zeb8s, 3, 1)       \
-    X(zebiNormRel_L2_8s_C1MR, NormRel, L2, Zeb8s, 1, 1)          \
-    X(zebiNormRel_L2_8s_C3CMR, NormRel, L2, Zeb8s, 3, 1)         \
-    X(zebiMean_16u_C1MR, Mean, None, Zeb16u, 1, 1)               \
-    X(zebiMean_16u_C3CMR, Mean, None, Zeb16u, 3, 1)              \
-    X(zebiMean_StdDev_16u_C1R, MeanStdDev, None, Zeb16u, 1, 0)   \
-    X(zebiMean_StdDev_16u_C1MR, MeanStdDev, None, Zeb16u, 1, 1)  \
-    X(zebiMean_StdDev_16u_C3CR, MeanStdDev, None, Zeb16u, 3, 0)  \
-    X(zebiMean_StdDev_16u_C3CMR, MeanStdDev, None, Zeb16u, 3, 1) \
-    X(zebiMinMaxIndx_16u_C1R, MinMax, None, Zeb16u, 1, 0)        \
-    X(zebiMinMaxIndx_16u_C1MR, MinMax, None, Zeb16u, 1, 1)       \
-    X(zebiMinMaxIndx_16u_C3CR, MinMax, None, Zeb16u, 3, 0)       \
-    X(zebiMinMaxIndx_16u_C3CMR, MinMax, None, Zeb16u, 3, 1)      \
-    X(zebiNorm_Inf_16u_C1MR, Norm, Inf, Zeb16u, 1, 1)            \
-    X(zebiNorm_Inf_16u_C3CMR, Norm, Inf, Zeb16u, 3, 1)           \
-    X(zebiNormDiff_Inf_16u_C1MR, NormDiff, Inf, Zeb16u, 1, 1)    \
-    X(zebiNormDiff_Inf_16u_C3CMR, NormDiff, Inf, Zeb16u, 3, 1)   \
-    X(zebiNormRel_Inf_16u_C1MR, NormRel, Inf, Zeb16u, 1, 1)      \
-    X(zebiNormRel_Inf_16u_C3CMR, NormRel, Inf, Zeb16u, 3, 1)     \
-    X(zebiNorm_L1_16u_C1MR, Norm, L1, Zeb16u, 1, 1)              \
-    X(zebiNorm_L1_16u_C3CMR, Norm, L1, Zeb16u, 3, 1)             \
-    X(zebiNormDiff_L1_16u_C1MR, NormDiff, L1, Zeb16u, 1, 1)      \
-    X(zebiNormDiff_L1_16u_C3CMR, NormDiff, L1, Zeb16u, 3, 1)     \
-    X(zebiNormRel_L1_16u_C1MR, NormRel, L1, Zeb16u, 1, 1)        \
-    X(zebiNormRel_L1_16u_C3CMR, NormRel, L1, Zeb16u, 3, 1)       \
-    X(zebiNorm_L2_16u_C1MR, Norm, L2, Zeb16u, 1, 1)              \
-    X(zebiNorm_L2_16u_C3CMR, Norm, L2, Zeb16u, 3, 1)             \
-    X(zebiNormDiff_L2_16u_C1MR, NormDiff, L2, Zeb16u, 1, 1)      \
-    X(zebiNormDiff_L2_16u_C3CMR, NormDiff, L2, Zeb16u, 3, 1)     \
-    X(zebiNormRel_L2_16u_C1MR, NormRel, L2, Zeb16u, 1, 1)        \
-    X(zebiNormRel_L2_16u_C3CMR, NormRel, L2, Zeb16u, 3, 1)       \
-    X(zebiMean_32f_C1MR, Mean, None, Zeb32f, 1, 1)               \
-    X(zebiMean_32f_C3CMR, Mean, None, Zeb32f, 3, 1)              \
-    X(zebiMean_StdDev_32f_C1R, MeanStdDev, None, Zeb32f, 1, 0)   \
-    X(zebiMean_StdDev_32f_C1MR, MeanStdDev, None, Zeb32f, 1, 1)  \
-    X(zebiMean_StdDev_32f_C3CR, MeanStdDev, None, Zeb32f, 3, 0)  \
-    X(zebiMean_StdDev_32f_C3CMR, MeanStdDev, None, Zeb32f, 3, 1) \
-    X(zebiMinMaxIndx_32f_C1R, MinMax, None, Zeb32f, 1, 0)        \
-    X(zebiMinMaxIndx_32f_C1MR, MinMax, None, Zeb32f, 1, 1)       \
-    X(zebiMinMaxIndx_32f_C3CR, MinMax, None, Zeb32f, 3, 0)       \
-    X(zebiMinMaxIndx_32f_C3CMR, MinMax, None, Zeb32f, 3, 1)      \
-    X(zebiNorm_Inf_32f_C1MR, Norm, Inf, Zeb32f, 1, 1)            \
-    X(zebiNorm_Inf_32f_C3CMR, Norm, Inf, Zeb32f, 3, 1)           \
-    X(zebiNormDiff_Inf_32f_C1MR, NormDiff, Inf, Zeb32f, 1, 1)    \
-    X(zebiNormDiff_Inf_32f_C3CMR, NormDiff, Inf, Zeb32f, 3, 1)   \
-    X(zebiNormRel_Inf_32f_C1MR, NormRel, Inf, Zeb32f, 1, 1)      \
-    X(zebiNormRel_Inf_32f_C3CMR, NormRel, Inf, Zeb32f, 3, 1)     \
-    X(zebiNorm_L1_32f_C1MR, Norm, L1, Zeb32f, 1, 1)              \
-    X(zebiNorm_L1_32f_C3CMR, Norm, L1, Zeb32f, 3, 1)             \
-    X(zebiNormDiff_L1_32f_C1MR, NormDiff, L1, Zeb32f, 1, 1)      \
-    X(zebiNormDiff_L1_32f_C3CMR, NormDiff, L1, Zeb32f, 3, 1)     \
-    X(zebiNormRel_L1_32f_C1MR, NormRel, L1, Zeb32f, 1, 1)        \
-    X(zebiNormRel_L1_32f_C3CMR, NormRel, L1, Zeb32f, 3, 1)       \
-    X(zebiNorm_L2_32f_C1MR, Norm, L2, Zeb32f, 1, 1)              \
-    X(zebiNorm_L2_32f_C3CMR, Norm, L2, Zeb32f, 3, 1)             \
-    X(zebiNormDiff_L2_32f_C1MR, NormDiff, L2, Zeb32f, 1, 1)      \
-    X(zebiNormDiff_L2_32f_C3CMR, NormDiff, L2, Zeb32f, 3, 1)     \
-    X(zebiNormRel_L2_32f_C1MR, NormRel, L2, Zeb32f, 1, 1)        \
-    X(zebiNormRel_L2_32f_C3CMR, NormRel, L2, Zeb32f, 3, 1)
+// Every statistics export, one per line.
+#define ZT_STATS_MEMBERS(X)       \
+    X(zebiMean_8u_C1MR)           \
+    X(zebiMean_8u_C3CMR)          \
+    X(zebiMean_StdDev_8u_C1R)     \
+    X(zebiMean_StdDev_8u_C1MR)    \
+    X(zebiMean_StdDev_8u_C3CR)    \
+    X(zebiMean_StdDev_8u_C3CMR)   \
+    X(zebiMinMaxIndx_8u_C1R)      \
+    X(zebiMinMaxIndx_8u_C1MR)     \
+    X(zebiMinMaxIndx_8u_C3CR)     \
+    X(zebiMinMaxIndx_8u_C3CMR)    \
+    X(zebiNorm_Inf_8u_C1MR)       \
+    X(zebiNorm_Inf_8u_C3CMR)      \
+    X(zebiNormDiff_Inf_8u_C1MR)   \
+    X(zebiNormDiff_Inf_8u_C3CMR)  \
+    X(zebiNormRel_Inf_8u_C1MR)    \
+    X(zebiNormRel_Inf_8u_C3CMR)   \
+    X(zebiNorm_L1_8u_C1MR)        \
+    X(zebiNorm_L1_8u_C3CMR)       \
+    X(zebiNormDiff_L1_8u_C1MR)    \
+    X(zebiNormDiff_L1_8u_C3CMR)   \
+    X(zebiNormRel_L1_8u_C1MR)     \
+    X(zebiNormRel_L1_8u_C3CMR)    \
+    X(zebiNorm_L2_8u_C1MR)        \
+    X(zebiNorm_L2_8u_C3CMR)       \
+    X(zebiNormDiff_L2_8u_C1MR)    \
+    X(zebiNormDiff_L2_8u_C3CMR)   \
+    X(zebiNormRel_L2_8u_C1MR)     \
+    X(zebiNormRel_L2_8u_C3CMR)    \
+    X(zebiMean_8s_C1MR)           \
+    X(zebiMean_8s_C3CMR)          \
+    X(zebiMean_StdDev_8s_C1R)     \
+    X(zebiMean_StdDev_8s_C1MR)    \
+    X(zebiMean_StdDev_8s_C3CR)    \
+    X(zebiMean_StdDev_8s_C3CMR)   \
+    X(zebiMinMaxIndx_8s_C1R)      \
+    X(zebiMinMaxIndx_8s_C1MR)     \
+    X(zebiMinMaxIndx_8s_C3CR)     \
+    X(zebiMinMaxIndx_8s_C3CMR)    \
+    X(zebiNorm_Inf_8s_C1MR)       \
+    X(zebiNorm_Inf_8s_C3CMR)      \
+    X(zebiNormDiff_Inf_8s_C1MR)   \
+    X(zebiNormDiff_Inf_8s_C3CMR)  \
+    X(zebiNormRel_Inf_8s_C1MR)    \
+    X(zebiNormRel_Inf_8s_C3CMR)   \
+    X(zebiNorm_L1_8s_C1MR)        \
+    X(zebiNorm_L1_8s_C3CMR)       \
+    X(zebiNormDiff_L1_8s_C1MR)    \
+    X(zebiNormDiff_L1_8s_C3CMR)   \
+    X(zebiNormRel_L1_8s_C1MR)     \
+    X(zebiNormRel_L1_8s_C3CMR)    \
+    X(zebiNorm_L2_8s_C1MR)        \
+    X(zebiNorm_L2_8s_C3CMR)       \
+    X(zebiNormDiff_L2_8s_C1MR)    \
+    X(zebiNormDiff_L2_8s_C3CMR)   \
+    X(zebiNormRel_L2_8s_C1MR)     \
+    X(zebiNormRel_L2_8s_C3CMR)    \
+    X(zebiMean_16u_C1MR)          \
+    X(zebiMean_16u_C3CMR)         \
+    X(zebiMean_StdDev_16u_C1R)    \
+    X(zebiMean_StdDev_16u_C1MR)   \
+    X(zebiMean_StdDev_16u_C3CR)   \
+    X(zebiMean_StdDev_16u_C3CMR)  \
+    X(zebiMinMaxIndx_16u_C1R)     \
+    X(zebiMinMaxIndx_16u_C1MR)    \
+    X(zebiMinMaxIndx_16u_C3CR)    \
+    X(zebiMinMaxIndx_16u_C3CMR)   \
+    X(zebiNorm_Inf_16u_C1MR)      \
+    X(zebiNorm_Inf_16u_C3CMR)     \
+    X(zebiNormDiff_Inf_16u_C1MR)  \
+    X(zebiNormDiff_Inf_16u_C3CMR) \
+    X(zebiNormRel_Inf_16u_C1MR)   \
+    X(zebiNormRel_Inf_16u_C3CMR)  \
+    X(zebiNorm_L1_16u_C1MR)       \
+    X(zebiNorm_L1_16u_C3CMR)      \
+    X(zebiNormDiff_L1_16u_C1MR)   \
+    X(zebiNormDiff_L1_16u_C3CMR)  \
+    X(zebiNormRel_L1_16u_C1MR)    \
+    X(zebiNormRel_L1_16u_C3CMR)   \
+    X(zebiNorm_L2_16u_C1MR)       \
+    X(zebiNorm_L2_16u_C3CMR)      \
+    X(zebiNormDiff_L2_16u_C1MR)   \
+    X(zebiNormDiff_L2_16u_C3CMR)  \
+    X(zebiNormRel_L2_16u_C1MR)    \
+    X(zebiNormRel_L2_16u_C3CMR)   \
+    X(zebiMean_32f_C1MR)          \
+    X(zebiMean_32f_C3CMR)         \
+    X(zebiMean_StdDev_32f_C1R)    \
+    X(zebiMean_StdDev_32f_C1MR)   \
+    X(zebiMean_StdDev_32f_C3CR)   \
+    X(zebiMean_StdDev_32f_C3CMR)  \
+    X(zebiMinMaxIndx_32f_C1R)     \
+    X(zebiMinMaxIndx_32f_C1MR)    \
+    X(zebiMinMaxIndx_32f_C3CR)    \
+    X(zebiMinMaxIndx_32f_C3CMR)   \
+    X(zebiNorm_Inf_32f_C1MR)      \
+    X(zebiNorm_Inf_32f_C3CMR)     \
+    X(zebiNormDiff_Inf_32f_C1MR)  \
+    X(zebiNormDiff_Inf_32f_C3CMR) \
+    X(zebiNormRel_Inf_32f_C1MR)   \
+    X(zebiNormRel_Inf_32f_C3CMR)  \
+    X(zebiNorm_L1_32f_C1MR)       \
+    X(zebiNorm_L1_32f_C3CMR)      \
+    X(zebiNormDiff_L1_32f_C1MR)   \
+    X(zebiNormDiff_L1_32f_C3CMR)  \
+    X(zebiNormRel_L1_32f_C1MR)    \
+    X(zebiNormRel_L1_32f_C3CMR)   \
+    X(zebiNorm_L2_32f_C1MR)       \
+    X(zebiNorm_L2_32f_C3CMR)      \
+    X(zebiNormDiff_L2_32f_C1MR)   \
+    X(zebiNormDiff_L2_32f_C3CMR)  \
+    X(zebiNormRel_L2_32f_C1MR)    \
+    X(zebiNormRel_L2_32f_C3CMR)
 
-#define ZT_DECLARE(name, fam, kind, T, ch, masked) ZEB_TEST_TABLE(name);
+#define ZT_DECLARE(name) ZEB_TEST_TABLE(name);
 ZT_STATS_MEMBERS(ZT_DECLARE)
 #undef ZT_DECLARE
 
@@ -144,55 +142,24 @@ namespace zst {
 using zt::Image;
 using Fn = std::function<ZebStatus(int, const zt::CallArgs&)>;
 
-enum class Family { Mean, MeanStdDev, MinMax, Norm, NormDiff, NormRel };
-enum class Kind { None, Inf, L1, L2 };
-
-// An export's place in the member list.
-struct Id {
-    Family fam;
-    Kind kind;
-    int elem;  // 1 (8u), -1 (8s), 2 (16u), 4 (32f)
-    int ch;
-    bool masked;
-    bool operator<(const Id& o) const {
-        return std::tie(fam, kind, elem, ch, masked) < std::tie(o.fam, o.kind, o.elem, o.ch, o.masked);
-    }
-};
-
-template <class T>
-constexpr int elem_code() {
-    return std::is_same_v<T, int8_t> ? -1 : int(sizeof(T));
-}
-
-struct Member {
-    const char* name;
-    Id id;
-    Fn fn;  // calls variant v's table entry
-};
-
-inline const std::vector<Member>& members() {
-    static const std::vector<Member> t = {
-#define ZT_ENTRY(name, fam, kind, T, ch, masked)                                                           \
-    {#name, {Family::fam, Kind::kind, elem_code<T>(), ch, masked != 0}, [](int v, const zt::CallArgs& a) { \
-         return zt::call(zeb_tbl_##name[v], a);                                                            \
-     }},
+// Every member by name, calling variant v's table entry.
+inline const std::map<std::string, Fn>& members() {
+    static const std::map<std::string, Fn> t = {
+#define ZT_ENTRY(name) {#name, [](int v, const zt::CallArgs& a) { return zt::call(zeb_tbl_##name[v], a); }},
         ZT_STATS_MEMBERS(ZT_ENTRY)
 #undef ZT_ENTRY
     };
     return t;
 }
 
-// Calls the member of family f and kind k for T on source a, second source
-// b and mask m (each skipped when null), then the outputs, with channel
-// coi, through variant v.
+// Calls the member named op ("zebiMean_StdDev", "zebiNormRel_L2", ...) for
+// T and the layout of the images: source a, second source b and mask m
+// (each skipped when null), then the outputs, with channel coi, through
+// variant v.
 template <class T>
-ZebStatus run(Family f, Kind k, int v, const Image<T>& a, const Image<T>* b, const Image<uint8_t>* m,
+ZebStatus run(const std::string& op, int v, const Image<T>& a, const Image<T>* b, const Image<uint8_t>* m,
               std::vector<void*> outs, int coi = 1) {
-    static const std::map<Id, const Member*> byId = [] {
-        std::map<Id, const Member*> r;
-        for (const Member& e : members()) r[e.id] = &e;
-        return r;
-    }();
+    const char* type = sizeof(T) == 4 ? "_32f" : sizeof(T) == 2 ? "_16u" : std::is_signed_v<T> ? "_8s" : "_8u";
     zt::CallArgs args;
     auto add = [&](const auto* im) {
         if (im) args.ptrs.push_back((void*)im->ptr()), args.steps.push_back(im->step());
@@ -201,7 +168,7 @@ ZebStatus run(Family f, Kind k, int v, const Image<T>& a, const Image<T>* b, con
     args.ptrs.insert(args.ptrs.end(), outs.begin(), outs.end());
     args.roi = a.size();
     args.param = coi;
-    return byId.at({f, k, elem_code<T>(), a.channels(), m != nullptr})->fn(v, args);
+    return members().at(op + type + (a.channels() == 3 ? "_C3C" : "_C1") + (m ? "MR" : "R"))(v, args);
 }
 
 // A mask with runs of zeros and of non-zero values of every length; density
