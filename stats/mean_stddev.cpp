@@ -57,10 +57,12 @@ Totals int_totals(const Src<T>& s) {
     for (int y = 0; y < s.roi.height; ++y) {
         const uint8_t* m = mask_row(s, y);
         IntMoments r;
-        for_channel<T>(row(s.p, s.step, y), nullptr, s.ch, s.c, s.roi.width,
-                       [&](const T* p, const T*, int x0, int len) {
-                           ZEB_DISPATCH(moments::int_run<T, kMask>)(p, m + (kMask ? x0 : 0), len, &r);
-                       });
+        // Three-channel rows are read in place, the channel picked by a
+        // deinterleaving load.
+        if (s.ch == 1)
+            ZEB_DISPATCH(moments::int_run<T, kMask, 1>)(row(s.p, s.step, y), m, s.roi.width, 0, &r);
+        else
+            ZEB_DISPATCH(moments::int_run<T, kMask, 3>)(row(s.p, s.step, y), m, s.roi.width, s.c, &r);
         n += r.n;
         if (narrow)
             s32 += int32_t(r.s);

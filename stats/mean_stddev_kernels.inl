@@ -27,10 +27,23 @@ namespace st = zeb::stats;
 // that no lane can wrap for any source type on any target.
 inline constexpr int kBlock = 4096;
 
-// Adds the count, sum and sum of squares of the selected values of a run
-// of n pixels to r.
-template <class T, bool kMask>
-void int_run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, st::IntMoments* r) {
+// Channel c of pixels x .. x + Lanes - 1 of a row of kCh interleaved
+// channels: a plain load for one channel, a deinterleaving load of three.
+template <int kCh, class D, class T>
+HWY_INLINE hn::Vec<D> load_channel(D d, const T* HWY_RESTRICT p, int x, int c) {
+    if constexpr (kCh == 1) {
+        return hn::LoadU(d, p + x);
+    } else {
+        hn::Vec<D> v0, v1, v2;
+        hn::LoadInterleaved3(d, p + std::ptrdiff_t(x) * 3, v0, v1, v2);
+        return c == 0 ? v0 : c == 1 ? v1 : v2;
+    }
+}
+
+// Adds the count, sum and sum of squares of the selected values of
+// channel chan of a run of n pixels of kCh interleaved channels to r.
+template <class T, bool kMask, int kCh>
+void int_run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, int chan, st::IntMoments* r) {
     const Vd<T> d;
     const hn::Repartition<uint64_t, decltype(d)> d64;
     const hn::Repartition<uint32_t, decltype(d)> d32;
@@ -46,7 +59,7 @@ void int_run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, st::
             auto s = hn::Zero(d64), c = hn::Zero(d64);
             auto q = hn::Zero(di32);
             for (; x + kE <= end; x += kE) {
-                auto v = hn::BitCast(du, hn::LoadU(d, p + x));
+                auto v = hn::BitCast(du, load_channel<kCh>(d, p, x, chan));
                 // Signed bytes sum as x + 128 (an unsigned byte for the
                 // byte-sum instruction); the bias comes off with the count.
                 auto u = std::is_signed_v<T> ? hn::Xor(v, hn::Set(du, 0x80)) : v;
@@ -68,7 +81,7 @@ void int_run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, st::
             auto q = hn::Zero(d64);
             auto c = hn::Zero(di16);
             for (; x + kE <= end; x += kE) {
-                auto v = hn::LoadU(d, p + x);
+                auto v = load_channel<kCh>(d, p, x, chan);
                 if constexpr (kMask) {
                     const auto sel = hn::VecFromMask(d, SelectedLanes(d, m + x));
                     v = hn::And(v, sel);
@@ -88,7 +101,17 @@ void int_run(const T* HWY_RESTRICT p, const uint8_t* HWY_RESTRICT m, int n, st::
         }
         r->n += cnt;
     }
-    st::int_moments(p + x, kMask ? m + x : nullptr, n - x, *r);
+    if constexpr (kCh == 1) {
+        st::int_moments(p + x, kMask ? m + x : nullptr, n - x, *r);
+    } else {
+        for (; x < n; ++x) {
+            if (kMask && !m[x]) continue;
+            const int64_t v = p[std::ptrdiff_t(x) * 3 + chan];
+            ++r->n;
+            r->s += v;
+            r->q += uint64_t(v * v);
+        }
+    }
 }
 
 // Number of selected pixels among n mask bytes.

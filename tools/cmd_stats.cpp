@@ -18,47 +18,69 @@ struct ChannelStats {
     double inf = 0, l1 = 0, l2 = 0;
 };
 
-// The library calls of one channel, for 8-bit or 16-bit samples: the
-// one-channel forms for grey images, the channel-of-interest forms for
-// colour. The norms are always masked; without a mask the caller passes
-// one that selects everything.
+// The library functions for one sample type: the one-channel forms for grey
+// images, the channel-of-interest forms for colour. The norms are always
+// masked; without a mask the caller passes one that selects everything.
 template <class T>
-struct Calls;
-#define ZEB_STATS_CALLS(T, c)                                                                                    \
-    template <>                                                                                                  \
-    struct Calls<T> {                                                                                            \
-        static void run(LibCalls& k, const T* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int ch, int coi,  \
-                        bool masked, ChannelStats& s) {                                                          \
-            if (ch == 1) {                                                                                       \
-                if (masked)                                                                                      \
-                    k(ZCLI_FN(zebiMean_StdDev_##c##_C1MR), p, ps, m, ms, r, &s.mean, &s.sd);                     \
-                else                                                                                             \
-                    k(ZCLI_FN(zebiMean_StdDev_##c##_C1R), p, ps, r, &s.mean, &s.sd);                             \
-                if (masked)                                                                                      \
-                    k(ZCLI_FN(zebiMinMaxIndx_##c##_C1MR), p, ps, m, ms, r, &s.mn, &s.mx, &s.imn, &s.imx);        \
-                else                                                                                             \
-                    k(ZCLI_FN(zebiMinMaxIndx_##c##_C1R), p, ps, r, &s.mn, &s.mx, &s.imn, &s.imx);                \
-                k(ZCLI_FN(zebiNorm_Inf_##c##_C1MR), p, ps, m, ms, r, &s.inf);                                    \
-                k(ZCLI_FN(zebiNorm_L1_##c##_C1MR), p, ps, m, ms, r, &s.l1);                                      \
-                k(ZCLI_FN(zebiNorm_L2_##c##_C1MR), p, ps, m, ms, r, &s.l2);                                      \
-                return;                                                                                          \
-            }                                                                                                    \
-            if (masked)                                                                                          \
-                k(ZCLI_FN(zebiMean_StdDev_##c##_C3CMR), p, ps, m, ms, r, coi, &s.mean, &s.sd);                   \
-            else                                                                                                 \
-                k(ZCLI_FN(zebiMean_StdDev_##c##_C3CR), p, ps, r, coi, &s.mean, &s.sd);                           \
-            if (masked)                                                                                          \
-                k(ZCLI_FN(zebiMinMaxIndx_##c##_C3CMR), p, ps, m, ms, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);      \
-            else                                                                                                 \
-                k(ZCLI_FN(zebiMinMaxIndx_##c##_C3CR), p, ps, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);              \
-            k(ZCLI_FN(zebiNorm_Inf_##c##_C3CMR), p, ps, m, ms, r, coi, &s.inf);                                  \
-            k(ZCLI_FN(zebiNorm_L1_##c##_C3CMR), p, ps, m, ms, r, coi, &s.l1);                                    \
-            k(ZCLI_FN(zebiNorm_L2_##c##_C3CMR), p, ps, m, ms, r, coi, &s.l2);                                    \
-        }                                                                                                        \
-    };
-ZEB_STATS_CALLS(Zeb8u, 8u)
-ZEB_STATS_CALLS(Zeb16u, 16u)
-#undef ZEB_STATS_CALLS
+struct StatsFns {
+    Fn<ZebStatus(const T*, int, ZebiSize, Zeb64f*, Zeb64f*)> sdC1;
+    Fn<ZebStatus(const T*, int, const Zeb8u*, int, ZebiSize, Zeb64f*, Zeb64f*)> sdC1M;
+    Fn<ZebStatus(const T*, int, ZebiSize, int, Zeb64f*, Zeb64f*)> sdC3;
+    Fn<ZebStatus(const T*, int, const Zeb8u*, int, ZebiSize, int, Zeb64f*, Zeb64f*)> sdC3M;
+    Fn<ZebStatus(const T*, int, ZebiSize, Zeb32f*, Zeb32f*, ZebiPoint*, ZebiPoint*)> mmC1;
+    Fn<ZebStatus(const T*, int, const Zeb8u*, int, ZebiSize, Zeb32f*, Zeb32f*, ZebiPoint*, ZebiPoint*)> mmC1M;
+    Fn<ZebStatus(const T*, int, ZebiSize, int, Zeb32f*, Zeb32f*, ZebiPoint*, ZebiPoint*)> mmC3;
+    Fn<ZebStatus(const T*, int, const Zeb8u*, int, ZebiSize, int, Zeb32f*, Zeb32f*, ZebiPoint*, ZebiPoint*)> mmC3M;
+    Fn<ZebStatus(const T*, int, const Zeb8u*, int, ZebiSize, Zeb64f*)> infC1, l1C1, l2C1;
+    Fn<ZebStatus(const T*, int, const Zeb8u*, int, ZebiSize, int, Zeb64f*)> infC3, l1C3, l2C3;
+};
+
+const StatsFns<Zeb8u> kFns8u{
+    ZCLI_FN(zebiMean_StdDev_8u_C1R),   ZCLI_FN(zebiMean_StdDev_8u_C1MR), ZCLI_FN(zebiMean_StdDev_8u_C3CR),
+    ZCLI_FN(zebiMean_StdDev_8u_C3CMR), ZCLI_FN(zebiMinMaxIndx_8u_C1R),   ZCLI_FN(zebiMinMaxIndx_8u_C1MR),
+    ZCLI_FN(zebiMinMaxIndx_8u_C3CR),   ZCLI_FN(zebiMinMaxIndx_8u_C3CMR), ZCLI_FN(zebiNorm_Inf_8u_C1MR),
+    ZCLI_FN(zebiNorm_L1_8u_C1MR),      ZCLI_FN(zebiNorm_L2_8u_C1MR),     ZCLI_FN(zebiNorm_Inf_8u_C3CMR),
+    ZCLI_FN(zebiNorm_L1_8u_C3CMR),     ZCLI_FN(zebiNorm_L2_8u_C3CMR),
+};
+
+const StatsFns<Zeb16u> kFns16u{
+    ZCLI_FN(zebiMean_StdDev_16u_C1R),   ZCLI_FN(zebiMean_StdDev_16u_C1MR), ZCLI_FN(zebiMean_StdDev_16u_C3CR),
+    ZCLI_FN(zebiMean_StdDev_16u_C3CMR), ZCLI_FN(zebiMinMaxIndx_16u_C1R),   ZCLI_FN(zebiMinMaxIndx_16u_C1MR),
+    ZCLI_FN(zebiMinMaxIndx_16u_C3CR),   ZCLI_FN(zebiMinMaxIndx_16u_C3CMR), ZCLI_FN(zebiNorm_Inf_16u_C1MR),
+    ZCLI_FN(zebiNorm_L1_16u_C1MR),      ZCLI_FN(zebiNorm_L2_16u_C1MR),     ZCLI_FN(zebiNorm_Inf_16u_C3CMR),
+    ZCLI_FN(zebiNorm_L1_16u_C3CMR),     ZCLI_FN(zebiNorm_L2_16u_C3CMR),
+};
+
+// The library calls of one channel coi of an image of ch channels.
+template <class T>
+void run_channel(LibCalls& k, const StatsFns<T>& f, const T* p, int ps, const Zeb8u* m, int ms, ZebiSize r, int ch,
+                 int coi, bool masked, ChannelStats& s) {
+    if (ch == 1) {
+        if (masked)
+            k(f.sdC1M, p, ps, m, ms, r, &s.mean, &s.sd);
+        else
+            k(f.sdC1, p, ps, r, &s.mean, &s.sd);
+        if (masked)
+            k(f.mmC1M, p, ps, m, ms, r, &s.mn, &s.mx, &s.imn, &s.imx);
+        else
+            k(f.mmC1, p, ps, r, &s.mn, &s.mx, &s.imn, &s.imx);
+        k(f.infC1, p, ps, m, ms, r, &s.inf);
+        k(f.l1C1, p, ps, m, ms, r, &s.l1);
+        k(f.l2C1, p, ps, m, ms, r, &s.l2);
+        return;
+    }
+    if (masked)
+        k(f.sdC3M, p, ps, m, ms, r, coi, &s.mean, &s.sd);
+    else
+        k(f.sdC3, p, ps, r, coi, &s.mean, &s.sd);
+    if (masked)
+        k(f.mmC3M, p, ps, m, ms, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);
+    else
+        k(f.mmC3, p, ps, r, coi, &s.mn, &s.mx, &s.imn, &s.imx);
+    k(f.infC3, p, ps, m, ms, r, coi, &s.inf);
+    k(f.l1C3, p, ps, m, ms, r, coi, &s.l1);
+    k(f.l2C3, p, ps, m, ms, r, coi, &s.l2);
+}
 
 const char* channel_name(int channels, int c) {
     static const char* const rgb[] = {"red", "green", "blue"};
@@ -78,11 +100,11 @@ void report(LibCalls& calls, const Image& img, const Image* mask) {
     std::vector<ChannelStats> st(img.channels);
     for (int c = 0; c < img.channels; ++c) {
         if (img.bytesPerSample == 2)
-            Calls<Zeb16u>::run(calls, img.ptr<Zeb16u>(), img.step(), m.data.data(), m.step(), roi, img.channels,
-                               c + 1, mask != nullptr, st[c]);
+            run_channel(calls, kFns16u, img.ptr<Zeb16u>(), img.step(), m.data.data(), m.step(), roi, img.channels,
+                        c + 1, mask != nullptr, st[c]);
         else
-            Calls<Zeb8u>::run(calls, img.data.data(), img.step(), m.data.data(), m.step(), roi, img.channels, c + 1,
-                              mask != nullptr, st[c]);
+            run_channel(calls, kFns8u, img.data.data(), img.step(), m.data.data(), m.step(), roi, img.channels, c + 1,
+                        mask != nullptr, st[c]);
     }
     if (!calls.ok()) return;
     std::printf("%-7s %10s %10s %8s %-12s %8s %-12s %8s %14s %12s\n", "channel", "mean", "std dev", "min", "  at",
@@ -140,10 +162,13 @@ int cmd_stats(const std::vector<std::string>& args) {
     return kExitOk;
 }
 ZCLI_COMMAND("stats", "IMAGE [--mask MASK]",
-             "mean, standard deviation, extrema with positions and norms of every channel",
-             "  --mask MASK\tonly the pixels where MASK (an image of the same size) is non-zero in any colour "
+             "mean, standard deviation, extrema with positions and norms of "
+             "every channel",
+             "  --mask MASK\tonly the pixels where MASK (an image of the same "
+             "size) is non-zero in any colour "
              "channel\n"
-             "8-bit and 16-bit images are measured at their own depth; an alpha channel is left out.",
+             "8-bit and 16-bit images are measured at their own depth; an "
+             "alpha channel is left out.",
              cmd_stats);
 
 // The demo: the grey scene whole, the colour scene under a mask of the

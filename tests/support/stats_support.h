@@ -1,6 +1,7 @@
-// Helpers shared by the statistics suites: every export reachable through
-// its table entries, masks, channel values, shape sweeps, photographs,
-// bit comparison and error bounds of single-precision sums.
+// Helpers shared by the statistics suites: the member list (every export
+// reachable through its table entries), masks, channel values, the shape
+// sweep, the images compared with OpenCV and the error bound of
+// single-precision sums.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,132 +11,129 @@
 #include <functional>
 #include <map>
 #include <opencv2/core.hpp>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "call.h"
 #include "harness.h"
 
-// Every statistics export: X(name, family, norm kind, source type,
-// channels, masked).
-#define ZT_STATS_MEMBERS(X)                                      \
-    X(zebiMean_8u_C1MR, Mean, None, Zeb8u, 1, 1)                 \
-    X(zebiMean_8u_C3CMR, Mean, None, Zeb8u, 3, 1)                \
-    X(zebiMean_StdDev_8u_C1R, MeanStdDev, None, Zeb8u, 1, 0)     \
-    X(zebiMean_StdDev_8u_C1MR, MeanStdDev, None, Zeb8u, 1, 1)    \
-    X(zebiMean_StdDev_8u_C3CR, MeanStdDev, None, Zeb8u, 3, 0)    \
-    X(zebiMean_StdDev_8u_C3CMR, MeanStdDev, None, Zeb8u, 3, 1)   \
-    X(zebiMinMaxIndx_8u_C1R, MinMax, None, Zeb8u, 1, 0)          \
-    X(zebiMinMaxIndx_8u_C1MR, MinMax, None, Zeb8u, 1, 1)         \
-    X(zebiMinMaxIndx_8u_C3CR, MinMax, None, Zeb8u, 3, 0)         \
-    X(zebiMinMaxIndx_8u_C3CMR, MinMax, None, Zeb8u, 3, 1)        \
-    X(zebiNorm_Inf_8u_C1MR, Norm, Inf, Zeb8u, 1, 1)              \
-    X(zebiNorm_Inf_8u_C3CMR, Norm, Inf, Zeb8u, 3, 1)             \
-    X(zebiNormDiff_Inf_8u_C1MR, NormDiff, Inf, Zeb8u, 1, 1)      \
-    X(zebiNormDiff_Inf_8u_C3CMR, NormDiff, Inf, Zeb8u, 3, 1)     \
-    X(zebiNormRel_Inf_8u_C1MR, NormRel, Inf, Zeb8u, 1, 1)        \
-    X(zebiNormRel_Inf_8u_C3CMR, NormRel, Inf, Zeb8u, 3, 1)       \
-    X(zebiNorm_L1_8u_C1MR, Norm, L1, Zeb8u, 1, 1)                \
-    X(zebiNorm_L1_8u_C3CMR, Norm, L1, Zeb8u, 3, 1)               \
-    X(zebiNormDiff_L1_8u_C1MR, NormDiff, L1, Zeb8u, 1, 1)        \
-    X(zebiNormDiff_L1_8u_C3CMR, NormDiff, L1, Zeb8u, 3, 1)       \
-    X(zebiNormRel_L1_8u_C1MR, NormRel, L1, Zeb8u, 1, 1)          \
-    X(zebiNormRel_L1_8u_C3CMR, NormRel, L1, Zeb8u, 3, 1)         \
-    X(zebiNorm_L2_8u_C1MR, Norm, L2, Zeb8u, 1, 1)                \
-    X(zebiNorm_L2_8u_C3CMR, Norm, L2, Zeb8u, 3, 1)               \
-    X(zebiNormDiff_L2_8u_C1MR, NormDiff, L2, Zeb8u, 1, 1)        \
-    X(zebiNormDiff_L2_8u_C3CMR, NormDiff, L2, Zeb8u, 3, 1)       \
-    X(zebiNormRel_L2_8u_C1MR, NormRel, L2, Zeb8u, 1, 1)          \
-    X(zebiNormRel_L2_8u_C3CMR, NormRel, L2, Zeb8u, 3, 1)         \
-    X(zebiMean_8s_C1MR, Mean, None, Zeb8s, 1, 1)                 \
-    X(zebiMean_8s_C3CMR, Mean, None, Zeb8s, 3, 1)                \
-    X(zebiMean_StdDev_8s_C1R, MeanStdDev, None, Zeb8s, 1, 0)     \
-    X(zebiMean_StdDev_8s_C1MR, MeanStdDev, None, Zeb8s, 1, 1)    \
-    X(zebiMean_StdDev_8s_C3CR, MeanStdDev, None, Zeb8s, 3, 0)    \
-    X(zebiMean_StdDev_8s_C3CMR, MeanStdDev, None, Zeb8s, 3, 1)   \
-    X(zebiMinMaxIndx_8s_C1R, MinMax, None, Zeb8s, 1, 0)          \
-    X(zebiMinMaxIndx_8s_C1MR, MinMax, None, Zeb8s, 1, 1)         \
-    X(zebiMinMaxIndx_8s_C3CR, MinMax, None, Zeb8s, 3, 0)         \
-    X(zebiMinMaxIndx_8s_C3CMR, MinMax, None, Zeb8s, 3, 1)        \
-    X(zebiNorm_Inf_8s_C1MR, Norm, Inf, Zeb8s, 1, 1)              \
-    X(zebiNorm_Inf_8s_C3CMR, Norm, Inf, Zeb8s, 3, 1)             \
-    X(zebiNormDiff_Inf_8s_C1MR, NormDiff, Inf, Zeb8s, 1, 1)      \
-    X(zebiNormDiff_Inf_8s_C3CMR, NormDiff, Inf, Zeb8s, 3, 1)     \
-    X(zebiNormRel_Inf_8s_C1MR, NormRel, Inf, Zeb8s, 1, 1)        \
-    X(zebiNormRel_Inf_8s_C3CMR, NormRel, Inf, Zeb8s, 3, 1)       \
-    X(zebiNorm_L1_8s_C1MR, Norm, L1, Zeb8s, 1, 1)                \
-    X(zebiNorm_L1_8s_C3CMR, Norm, L1, Zeb8s, 3, 1)               \
-    X(zebiNormDiff_L1_8s_C1MR, NormDiff, L1, Zeb8s, 1, 1)        \
-    X(zebiNormDiff_L1_8s_C3CMR, NormDiff, L1, Zeb8s, 3, 1)       \
-    X(zebiNormRel_L1_8s_C1MR, NormRel, L1, Zeb8s, 1, 1)          \
-    X(zebiNormRel_L1_8s_C3CMR, NormRel, L1, Zeb8s, 3, 1)         \
-    X(zebiNorm_L2_8s_C1MR, Norm, L2, Zeb8s, 1, 1)                \
-    X(zebiNorm_L2_8s_C3CMR, Norm, L2, Zeb8s, 3, 1)               \
-    X(zebiNormDiff_L2_8s_C1MR, NormDiff, L2, Zeb8s, 1, 1)        \
-    X(zebiNormDiff_L2_8s_C3CMR, NormDiff, L2, Zeb8s, 3, 1)       \
-    X(zebiNormRel_L2_8s_C1MR, NormRel, L2, Zeb8s, 1, 1)          \
-    X(zebiNormRel_L2_8s_C3CMR, NormRel, L2, Zeb8s, 3, 1)         \
-    X(zebiMean_16u_C1MR, Mean, None, Zeb16u, 1, 1)               \
-    X(zebiMean_16u_C3CMR, Mean, None, Zeb16u, 3, 1)              \
-    X(zebiMean_StdDev_16u_C1R, MeanStdDev, None, Zeb16u, 1, 0)   \
-    X(zebiMean_StdDev_16u_C1MR, MeanStdDev, None, Zeb16u, 1, 1)  \
-    X(zebiMean_StdDev_16u_C3CR, MeanStdDev, None, Zeb16u, 3, 0)  \
-    X(zebiMean_StdDev_16u_C3CMR, MeanStdDev, None, Zeb16u, 3, 1) \
-    X(zebiMinMaxIndx_16u_C1R, MinMax, None, Zeb16u, 1, 0)        \
-    X(zebiMinMaxIndx_16u_C1MR, MinMax, None, Zeb16u, 1, 1)       \
-    X(zebiMinMaxIndx_16u_C3CR, MinMax, None, Zeb16u, 3, 0)       \
-    X(zebiMinMaxIndx_16u_C3CMR, MinMax, None, Zeb16u, 3, 1)      \
-    X(zebiNorm_Inf_16u_C1MR, Norm, Inf, Zeb16u, 1, 1)            \
-    X(zebiNorm_Inf_16u_C3CMR, Norm, Inf, Zeb16u, 3, 1)           \
-    X(zebiNormDiff_Inf_16u_C1MR, NormDiff, Inf, Zeb16u, 1, 1)    \
-    X(zebiNormDiff_Inf_16u_C3CMR, NormDiff, Inf, Zeb16u, 3, 1)   \
-    X(zebiNormRel_Inf_16u_C1MR, NormRel, Inf, Zeb16u, 1, 1)      \
-    X(zebiNormRel_Inf_16u_C3CMR, NormRel, Inf, Zeb16u, 3, 1)     \
-    X(zebiNorm_L1_16u_C1MR, Norm, L1, Zeb16u, 1, 1)              \
-    X(zebiNorm_L1_16u_C3CMR, Norm, L1, Zeb16u, 3, 1)             \
-    X(zebiNormDiff_L1_16u_C1MR, NormDiff, L1, Zeb16u, 1, 1)      \
-    X(zebiNormDiff_L1_16u_C3CMR, NormDiff, L1, Zeb16u, 3, 1)     \
-    X(zebiNormRel_L1_16u_C1MR, NormRel, L1, Zeb16u, 1, 1)        \
-    X(zebiNormRel_L1_16u_C3CMR, NormRel, L1, Zeb16u, 3, 1)       \
-    X(zebiNorm_L2_16u_C1MR, Norm, L2, Zeb16u, 1, 1)              \
-    X(zebiNorm_L2_16u_C3CMR, Norm, L2, Zeb16u, 3, 1)             \
-    X(zebiNormDiff_L2_16u_C1MR, NormDiff, L2, Zeb16u, 1, 1)      \
-    X(zebiNormDiff_L2_16u_C3CMR, NormDiff, L2, Zeb16u, 3, 1)     \
-    X(zebiNormRel_L2_16u_C1MR, NormRel, L2, Zeb16u, 1, 1)        \
-    X(zebiNormRel_L2_16u_C3CMR, NormRel, L2, Zeb16u, 3, 1)       \
-    X(zebiMean_32f_C1MR, Mean, None, Zeb32f, 1, 1)               \
-    X(zebiMean_32f_C3CMR, Mean, None, Zeb32f, 3, 1)              \
-    X(zebiMean_StdDev_32f_C1R, MeanStdDev, None, Zeb32f, 1, 0)   \
-    X(zebiMean_StdDev_32f_C1MR, MeanStdDev, None, Zeb32f, 1, 1)  \
-    X(zebiMean_StdDev_32f_C3CR, MeanStdDev, None, Zeb32f, 3, 0)  \
-    X(zebiMean_StdDev_32f_C3CMR, MeanStdDev, None, Zeb32f, 3, 1) \
-    X(zebiMinMaxIndx_32f_C1R, MinMax, None, Zeb32f, 1, 0)        \
-    X(zebiMinMaxIndx_32f_C1MR, MinMax, None, Zeb32f, 1, 1)       \
-    X(zebiMinMaxIndx_32f_C3CR, MinMax, None, Zeb32f, 3, 0)       \
-    X(zebiMinMaxIndx_32f_C3CMR, MinMax, None, Zeb32f, 3, 1)      \
-    X(zebiNorm_Inf_32f_C1MR, Norm, Inf, Zeb32f, 1, 1)            \
-    X(zebiNorm_Inf_32f_C3CMR, Norm, Inf, Zeb32f, 3, 1)           \
-    X(zebiNormDiff_Inf_32f_C1MR, NormDiff, Inf, Zeb32f, 1, 1)    \
-    X(zebiNormDiff_Inf_32f_C3CMR, NormDiff, Inf, Zeb32f, 3, 1)   \
-    X(zebiNormRel_Inf_32f_C1MR, NormRel, Inf, Zeb32f, 1, 1)      \
-    X(zebiNormRel_Inf_32f_C3CMR, NormRel, Inf, Zeb32f, 3, 1)     \
-    X(zebiNorm_L1_32f_C1MR, Norm, L1, Zeb32f, 1, 1)              \
-    X(zebiNorm_L1_32f_C3CMR, Norm, L1, Zeb32f, 3, 1)             \
-    X(zebiNormDiff_L1_32f_C1MR, NormDiff, L1, Zeb32f, 1, 1)      \
-    X(zebiNormDiff_L1_32f_C3CMR, NormDiff, L1, Zeb32f, 3, 1)     \
-    X(zebiNormRel_L1_32f_C1MR, NormRel, L1, Zeb32f, 1, 1)        \
-    X(zebiNormRel_L1_32f_C3CMR, NormRel, L1, Zeb32f, 3, 1)       \
-    X(zebiNorm_L2_32f_C1MR, Norm, L2, Zeb32f, 1, 1)              \
-    X(zebiNorm_L2_32f_C3CMR, Norm, L2, Zeb32f, 3, 1)             \
-    X(zebiNormDiff_L2_32f_C1MR, NormDiff, L2, Zeb32f, 1, 1)      \
-    X(zebiNormDiff_L2_32f_C3CMR, NormDiff, L2, Zeb32f, 3, 1)     \
-    X(zebiNormRel_L2_32f_C1MR, NormRel, L2, Zeb32f, 1, 1)        \
-    X(zebiNormRel_L2_32f_C3CMR, NormRel, L2, Zeb32f, 3, 1)
+// Every statistics export, one per line.
+#define ZT_STATS_MEMBERS(X)       \
+    X(zebiMean_8u_C1MR)           \
+    X(zebiMean_8u_C3CMR)          \
+    X(zebiMean_StdDev_8u_C1R)     \
+    X(zebiMean_StdDev_8u_C1MR)    \
+    X(zebiMean_StdDev_8u_C3CR)    \
+    X(zebiMean_StdDev_8u_C3CMR)   \
+    X(zebiMinMaxIndx_8u_C1R)      \
+    X(zebiMinMaxIndx_8u_C1MR)     \
+    X(zebiMinMaxIndx_8u_C3CR)     \
+    X(zebiMinMaxIndx_8u_C3CMR)    \
+    X(zebiNorm_Inf_8u_C1MR)       \
+    X(zebiNorm_Inf_8u_C3CMR)      \
+    X(zebiNormDiff_Inf_8u_C1MR)   \
+    X(zebiNormDiff_Inf_8u_C3CMR)  \
+    X(zebiNormRel_Inf_8u_C1MR)    \
+    X(zebiNormRel_Inf_8u_C3CMR)   \
+    X(zebiNorm_L1_8u_C1MR)        \
+    X(zebiNorm_L1_8u_C3CMR)       \
+    X(zebiNormDiff_L1_8u_C1MR)    \
+    X(zebiNormDiff_L1_8u_C3CMR)   \
+    X(zebiNormRel_L1_8u_C1MR)     \
+    X(zebiNormRel_L1_8u_C3CMR)    \
+    X(zebiNorm_L2_8u_C1MR)        \
+    X(zebiNorm_L2_8u_C3CMR)       \
+    X(zebiNormDiff_L2_8u_C1MR)    \
+    X(zebiNormDiff_L2_8u_C3CMR)   \
+    X(zebiNormRel_L2_8u_C1MR)     \
+    X(zebiNormRel_L2_8u_C3CMR)    \
+    X(zebiMean_8s_C1MR)           \
+    X(zebiMean_8s_C3CMR)          \
+    X(zebiMean_StdDev_8s_C1R)     \
+    X(zebiMean_StdDev_8s_C1MR)    \
+    X(zebiMean_StdDev_8s_C3CR)    \
+    X(zebiMean_StdDev_8s_C3CMR)   \
+    X(zebiMinMaxIndx_8s_C1R)      \
+    X(zebiMinMaxIndx_8s_C1MR)     \
+    X(zebiMinMaxIndx_8s_C3CR)     \
+    X(zebiMinMaxIndx_8s_C3CMR)    \
+    X(zebiNorm_Inf_8s_C1MR)       \
+    X(zebiNorm_Inf_8s_C3CMR)      \
+    X(zebiNormDiff_Inf_8s_C1MR)   \
+    X(zebiNormDiff_Inf_8s_C3CMR)  \
+    X(zebiNormRel_Inf_8s_C1MR)    \
+    X(zebiNormRel_Inf_8s_C3CMR)   \
+    X(zebiNorm_L1_8s_C1MR)        \
+    X(zebiNorm_L1_8s_C3CMR)       \
+    X(zebiNormDiff_L1_8s_C1MR)    \
+    X(zebiNormDiff_L1_8s_C3CMR)   \
+    X(zebiNormRel_L1_8s_C1MR)     \
+    X(zebiNormRel_L1_8s_C3CMR)    \
+    X(zebiNorm_L2_8s_C1MR)        \
+    X(zebiNorm_L2_8s_C3CMR)       \
+    X(zebiNormDiff_L2_8s_C1MR)    \
+    X(zebiNormDiff_L2_8s_C3CMR)   \
+    X(zebiNormRel_L2_8s_C1MR)     \
+    X(zebiNormRel_L2_8s_C3CMR)    \
+    X(zebiMean_16u_C1MR)          \
+    X(zebiMean_16u_C3CMR)         \
+    X(zebiMean_StdDev_16u_C1R)    \
+    X(zebiMean_StdDev_16u_C1MR)   \
+    X(zebiMean_StdDev_16u_C3CR)   \
+    X(zebiMean_StdDev_16u_C3CMR)  \
+    X(zebiMinMaxIndx_16u_C1R)     \
+    X(zebiMinMaxIndx_16u_C1MR)    \
+    X(zebiMinMaxIndx_16u_C3CR)    \
+    X(zebiMinMaxIndx_16u_C3CMR)   \
+    X(zebiNorm_Inf_16u_C1MR)      \
+    X(zebiNorm_Inf_16u_C3CMR)     \
+    X(zebiNormDiff_Inf_16u_C1MR)  \
+    X(zebiNormDiff_Inf_16u_C3CMR) \
+    X(zebiNormRel_Inf_16u_C1MR)   \
+    X(zebiNormRel_Inf_16u_C3CMR)  \
+    X(zebiNorm_L1_16u_C1MR)       \
+    X(zebiNorm_L1_16u_C3CMR)      \
+    X(zebiNormDiff_L1_16u_C1MR)   \
+    X(zebiNormDiff_L1_16u_C3CMR)  \
+    X(zebiNormRel_L1_16u_C1MR)    \
+    X(zebiNormRel_L1_16u_C3CMR)   \
+    X(zebiNorm_L2_16u_C1MR)       \
+    X(zebiNorm_L2_16u_C3CMR)      \
+    X(zebiNormDiff_L2_16u_C1MR)   \
+    X(zebiNormDiff_L2_16u_C3CMR)  \
+    X(zebiNormRel_L2_16u_C1MR)    \
+    X(zebiNormRel_L2_16u_C3CMR)   \
+    X(zebiMean_32f_C1MR)          \
+    X(zebiMean_32f_C3CMR)         \
+    X(zebiMean_StdDev_32f_C1R)    \
+    X(zebiMean_StdDev_32f_C1MR)   \
+    X(zebiMean_StdDev_32f_C3CR)   \
+    X(zebiMean_StdDev_32f_C3CMR)  \
+    X(zebiMinMaxIndx_32f_C1R)     \
+    X(zebiMinMaxIndx_32f_C1MR)    \
+    X(zebiMinMaxIndx_32f_C3CR)    \
+    X(zebiMinMaxIndx_32f_C3CMR)   \
+    X(zebiNorm_Inf_32f_C1MR)      \
+    X(zebiNorm_Inf_32f_C3CMR)     \
+    X(zebiNormDiff_Inf_32f_C1MR)  \
+    X(zebiNormDiff_Inf_32f_C3CMR) \
+    X(zebiNormRel_Inf_32f_C1MR)   \
+    X(zebiNormRel_Inf_32f_C3CMR)  \
+    X(zebiNorm_L1_32f_C1MR)       \
+    X(zebiNorm_L1_32f_C3CMR)      \
+    X(zebiNormDiff_L1_32f_C1MR)   \
+    X(zebiNormDiff_L1_32f_C3CMR)  \
+    X(zebiNormRel_L1_32f_C1MR)    \
+    X(zebiNormRel_L1_32f_C3CMR)   \
+    X(zebiNorm_L2_32f_C1MR)       \
+    X(zebiNorm_L2_32f_C3CMR)      \
+    X(zebiNormDiff_L2_32f_C1MR)   \
+    X(zebiNormDiff_L2_32f_C3CMR)  \
+    X(zebiNormRel_L2_32f_C1MR)    \
+    X(zebiNormRel_L2_32f_C3CMR)
 
-#define ZT_DECLARE(name, fam, kind, T, ch, masked) ZEB_TEST_TABLE(name);
+#define ZT_DECLARE(name) ZEB_TEST_TABLE(name);
 ZT_STATS_MEMBERS(ZT_DECLARE)
 #undef ZT_DECLARE
 
@@ -144,58 +142,24 @@ namespace zst {
 using zt::Image;
 using Fn = std::function<ZebStatus(int, const zt::CallArgs&)>;
 
-enum class Family { Mean, MeanStdDev, MinMax, Norm, NormDiff, NormRel };
-enum class Kind { None, Inf, L1, L2 };
-
-// An export's place in the member list.
-struct Id {
-    Family fam;
-    Kind kind;
-    int elem;  // 1 (8u), -1 (8s), 2 (16u), 4 (32f)
-    int ch;
-    bool masked;
-    auto key() const { return std::make_tuple(fam, kind, elem, ch, masked); }
-    bool operator<(const Id& o) const { return key() < o.key(); }
-};
-
-template <class T>
-constexpr int elem_code() {
-    return std::is_same_v<T, int8_t> ? -1 : int(sizeof(T));
-}
-
-struct Member {
-    const char* name;
-    Id id;
-    Fn fn;  // calls variant v's table entry
-};
-
-inline const std::vector<Member>& members() {
-    static const std::vector<Member> t = {
-#define ZT_ENTRY(name, fam, kind, T, ch, masked)                                                           \
-    {#name, {Family::fam, Kind::kind, elem_code<T>(), ch, masked != 0}, [](int v, const zt::CallArgs& a) { \
-         return zt::call(zeb_tbl_##name[v], a);                                                            \
-     }},
+// Every member by name, calling variant v's table entry.
+inline const std::map<std::string, Fn>& members() {
+    static const std::map<std::string, Fn> t = {
+#define ZT_ENTRY(name) {#name, [](int v, const zt::CallArgs& a) { return zt::call(zeb_tbl_##name[v], a); }},
         ZT_STATS_MEMBERS(ZT_ENTRY)
 #undef ZT_ENTRY
     };
     return t;
 }
 
-inline const Member& member(const Id& id) {
-    static const std::map<Id, const Member*> byId = [] {
-        std::map<Id, const Member*> m;
-        for (const Member& e : members()) m[e.id] = &e;
-        return m;
-    }();
-    return *byId.at(id);
-}
-
-// Calls the member of family f and kind k for T on source a, second source
-// b and mask m (each skipped when null), then the outputs, with channel
-// coi, through variant v.
+// Calls the member named op ("zebiMean_StdDev", "zebiNormRel_L2", ...) for
+// T and the layout of the images: source a, second source b and mask m
+// (each skipped when null), then the outputs, with channel coi, through
+// variant v.
 template <class T>
-ZebStatus run(Family f, Kind k, int v, const Image<T>& a, const Image<T>* b, const Image<uint8_t>* m,
+ZebStatus run(const std::string& op, int v, const Image<T>& a, const Image<T>* b, const Image<uint8_t>* m,
               std::vector<void*> outs, int coi = 1) {
+    const char* type = sizeof(T) == 4 ? "_32f" : sizeof(T) == 2 ? "_16u" : std::is_signed_v<T> ? "_8s" : "_8u";
     zt::CallArgs args;
     auto add = [&](const auto* im) {
         if (im) args.ptrs.push_back((void*)im->ptr()), args.steps.push_back(im->step());
@@ -204,7 +168,7 @@ ZebStatus run(Family f, Kind k, int v, const Image<T>& a, const Image<T>* b, con
     args.ptrs.insert(args.ptrs.end(), outs.begin(), outs.end());
     args.roi = a.size();
     args.param = coi;
-    return member({f, k, elem_code<T>(), a.channels(), m != nullptr}).fn(v, args);
+    return members().at(op + type + (a.channels() == 3 ? "_C3C" : "_C1") + (m ? "MR" : "R"))(v, args);
 }
 
 // A mask with runs of zeros and of non-zero values of every length; density
@@ -226,15 +190,6 @@ void fill_range(Image<T>& img, double lo, double hi) {
         }
 }
 
-// Channel c of row y, and the matching mask row (null without a mask).
-template <class T>
-std::vector<T> channel_row(const Image<T>& img, int y, int c) {
-    std::vector<T> v(img.width());
-    for (int x = 0; x < img.width(); ++x) v[x] = img.at(x, y, c);
-    return v;
-}
-inline const uint8_t* mask_row(const Image<uint8_t>* m, int y) { return m ? m->row(y) : nullptr; }
-
 // One channel as a continuous cv::Mat copy.
 template <class T>
 cv::Mat channel_mat(const Image<T>& img, int c) {
@@ -245,87 +200,65 @@ cv::Mat channel_mat(const Image<T>& img, int c) {
 
 inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, 8) == 0; }
 
-// Calls f(variant, image, mask, description) for both variants and every
-// width, pad, one and three channels and a few heights, on random images
-// with a mask (the fixture has selected the vector target).
+// Calls f(variant, image, mask, description) for both variants on random
+// images with a mask: every test width (empty vector bodies, heads, tails,
+// several vectors) with every pad (row starts against the vector
+// boundaries), one and three channels, heights 1 to 4 (odd and even row
+// pairs). The fixture has selected the vector target.
 template <class T, class F>
 void sweep_images(F&& f) {
     for (int w : zt::test_widths())
         for (int pad : zt::test_pads(sizeof(T)))
-            for (int ch : {1, 3})
-                for (int h : {1, 2, 5}) {
-                    Image<T> s(w, h, ch, pad);
-                    Image<uint8_t> m(w, h, 1, pad % 3 + 1);
-                    fill_mask(m);
-                    const std::string what = "w=" + std::to_string(w) + " h=" + std::to_string(h) +
-                                             " pad=" + std::to_string(pad) + " ch=" + std::to_string(ch);
-                    for (int v = 0; v < 2; ++v) f(v, s, m, what + " variant " + std::to_string(v));
-                }
+            for (int ch : {1, 3}) {
+                const int h = 1 + (w + pad + ch) % 4;
+                Image<T> s(w, h, ch, pad);
+                Image<uint8_t> m(w, h, 1, pad % 3 + 1);
+                fill_mask(m);
+                const std::string what = "w=" + std::to_string(w) + " h=" + std::to_string(h) +
+                                         " pad=" + std::to_string(pad) + " ch=" + std::to_string(ch);
+                for (int v = 0; v < 2; ++v) f(v, s, m, what + " variant " + std::to_string(v));
+            }
 }
 
-// ---- photographs ----
-
-inline std::string photo_path(const char* name) {
-    return std::string("/usr/share/doc/opencv-doc/examples/data/") + name;
-}
-
-// The sample photographs the suites run on.
-inline const std::vector<const char*>& photo_names() {
-    static const std::vector<const char*> n = {"baboon.jpg", "fruits.jpg", "building.jpg", "home.jpg"};
-    return n;
-}
-
-// A photograph as a guarded image of T with ch channels (colour as stored,
-// or grey): 8u as decoded, 8s shifted by -128, 16u scaled by 257, 32f
-// scaled to [-1, 1] with a fine ramp added so that values are not all
-// multiples of one step.
-template <class T>
-Image<T> photo(const char* name, int ch) {
-    cv::Mat src = cv::imread(photo_path(name), ch == 3 ? cv::IMREAD_COLOR : cv::IMREAD_GRAYSCALE);
-    if (src.empty()) {
-        ADD_FAILURE() << "cannot read " << photo_path(name);
-        src = cv::Mat(1, 1, CV_8UC(ch), cv::Scalar::all(0));
-    }
-    Image<T> img(src.cols, src.rows, ch, 3 * int(sizeof(T)));
-    for (int y = 0; y < src.rows; ++y)
-        for (int x = 0; x < src.cols * ch; ++x) {
-            const int v = src.ptr<uint8_t>(y)[x];
-            if constexpr (std::is_same_v<T, int8_t>)
-                img.row(y)[x] = int8_t(v - 128);
-            else if constexpr (std::is_same_v<T, uint16_t>)
-                img.row(y)[x] = uint16_t(v * 257);
-            else if constexpr (std::is_same_v<T, float>)
-                img.row(y)[x] = float(v) / 127.5f - 1.f + float(x % 7) * 1e-4f;
-            else
-                img.row(y)[x] = uint8_t(v);
+// The images compared with OpenCV, one and three channels: a random one
+// (values in [lo, hi]) with a random mask, and the sample photographs (8s
+// shifted by -128, 16u scaled by 257, 32f scaled to [-1, 1]), each with
+// the grey values above 110 of the next one as its mask (irregular
+// regions, as masks are in practice). Calls f(image, mask, description).
+template <class T, class F>
+void for_opencv_images(double lo, double hi, F&& f) {
+    const char* const names[] = {"baboon.jpg", "fruits.jpg", "building.jpg"};
+    for (int ch : {1, 3}) {
+        Image<T> s(640, 480, ch, 4 * int(sizeof(T)));
+        fill_range(s, lo, hi);
+        Image<uint8_t> m(640, 480, 1, 7);
+        fill_mask(m, 65);
+        f(s, m, "random ch " + std::to_string(ch));
+        for (int i = 0; i < 3; ++i) {
+            const cv::Mat p = zt::photo(names[i], ch == 3 ? cv::IMREAD_COLOR : cv::IMREAD_GRAYSCALE);
+            cv::Mat g = zt::photo(names[(i + 1) % 3], cv::IMREAD_GRAYSCALE), conv;
+            ASSERT_FALSE(p.empty() || g.empty()) << "cannot read " << names[i] << " or the next photograph";
+            const bool u16 = std::is_same_v<T, uint16_t>, f32 = std::is_same_v<T, float>;
+            p.convertTo(conv, zt::CvDepth<T>::v,
+                        u16   ? 257
+                        : f32 ? 1 / 127.5
+                              : 1,
+                        std::is_same_v<T, int8_t> ? -128
+                        : f32                     ? -1
+                                                  : 0);
+            cv::resize(g, g, p.size(), 0, 0, cv::INTER_NEAREST);
+            cv::threshold(g, g, 110, 0, cv::THRESH_TOZERO);
+            f(zt::image_of<T>(conv, 3 * int(sizeof(T))), zt::image_of<uint8_t>(g, 5),
+              names[i] + std::string(" ch ") + std::to_string(ch));
         }
-    return img;
-}
-
-// A mask from another photograph: its grey values above 110, resized to
-// w x h (irregular regions, as masks are in practice).
-inline Image<uint8_t> photo_mask(const char* name, int w, int h) {
-    cv::Mat g = cv::imread(photo_path(name), cv::IMREAD_GRAYSCALE), r;
-    if (g.empty()) {
-        ADD_FAILURE() << "cannot read " << photo_path(name);
-        g = cv::Mat(1, 1, CV_8U, cv::Scalar(0));
     }
-    cv::resize(g, r, cv::Size(w, h), 0, 0, cv::INTER_NEAREST);
-    Image<uint8_t> m(w, h, 1, 5);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) m.at(x, y) = r.at<uint8_t>(y, x) > 110 ? r.at<uint8_t>(y, x) : 0;
-    return m;
 }
-
-// ---- error bounds of single-precision sums ----
-
-// Unit roundoff of single precision.
-inline constexpr long double kUnitF = 1.0L / 16777216.0L;
 
 // Forward error bound of a sum of terms whose absolute values add up to
-// sumAbs, accumulated in single precision in chains of at most chain
-// additions each, plus `extra` further roundings on every term (forming
-// the term, folding lanes): (chain + extra) * u * sumAbs.
+// sumAbs, accumulated in single precision (unit roundoff u = 2^-24) in
+// chains of at most chain additions each, plus `extra` further roundings
+// on every term (forming the term, folding lanes): (chain + extra) u sumAbs.
+inline constexpr long double kUnitF = 1.0L / 16777216.0L;
 inline long double float_sum_bound(long double chain, long double extra, long double sumAbs) {
     return (chain + extra) * kUnitF * sumAbs;
 }
