@@ -22,7 +22,7 @@ namespace zeb::HWY_NAMESPACE::accum {
 using zeb::accum::Images;
 
 // Float vectors per block: four independent load-compute-store chains.
-inline constexpr int kVecs = 4;
+inline constexpr int kVecs = 4;  // the masked forms spread one vector of mask bytes over four
 
 // The vector form of ref::Op, operation for operation.
 template <class Op, class V>
@@ -37,36 +37,6 @@ HWY_INLINE V Apply(V a, V s1, V s2, V alpha) {
         return hn::Add(hn::Mul(hn::Sub(s1, a), alpha), a);
 }
 
-// The kept lanes (mask byte zero) of the kVecs float vectors of one block,
-// from its kVecs * kN mask bytes: one byte comparison for the whole block,
-// then spread to float lanes.
-template <class DF>
-HWY_INLINE void BlockKeep(DF df, const uint8_t* HWY_RESTRICT m, hn::Mask<DF>* HWY_RESTRICT keep) {
-    constexpr int kN = int(hn::MaxLanes(df));
-    static_assert(kVecs == 4 && kVecs * kN == kVecBytes, "a block's mask bytes fill one byte vector");
-    const hn::Repartition<uint8_t, DF> d8;
-    const auto zero = hn::Eq(hn::LoadU(d8, m), hn::Zero(d8));
-#if HWY_TARGET == HWY_AVX3
-    // One bit per byte: each float vector takes its 16 bits.
-    const uint64_t bits = zero.raw;
-    for (int k = 0; k < kVecs; ++k) keep[k] = hn::Mask<DF>{static_cast<__mmask16>(bits >> (kN * k))};
-#elif HWY_TARGET == HWY_AVX2
-    // Sign-extend each quarter of the byte mask to 32-bit lanes.
-    const __m256i e = hn::VecFromMask(d8, zero).raw;
-    const __m128i lo = _mm256_castsi256_si128(e), hi = _mm256_extracti128_si256(e, 1);
-    const __m128i q[kVecs] = {lo, _mm_unpackhi_epi64(lo, lo), hi, _mm_unpackhi_epi64(hi, hi)};
-    for (int k = 0; k < kVecs; ++k) keep[k] = hn::MaskFromVec(hn::Vec256<float>{_mm256_castsi256_ps(_mm256_cvtepi8_epi32(q[k]))});
-#else
-    // Double each byte twice: 16 bytes give four vectors of 32-bit lanes.
-    const hn::Repartition<uint16_t, DF> d16;
-    const auto e = hn::VecFromMask(d8, zero);
-    const auto w0 = hn::BitCast(d16, hn::InterleaveLower(e, e)), w1 = hn::BitCast(d16, hn::InterleaveUpper(d8, e, e));
-    keep[0] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveLower(w0, w0)));
-    keep[1] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveUpper(d16, w0, w0)));
-    keep[2] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveLower(w1, w1)));
-    keep[3] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveUpper(d16, w1, w1)));
-#endif
-}
 
 // out = Op(in, s1, s2, alpha) over a w x h region, kept where the mask byte
 // is zero. Rows run through drive_row: blocks of kVecs vectors with aligned
@@ -93,7 +63,7 @@ void image(const Images<T>& a, int w, int h, float alpha) {
         };
         auto block = [&](int x) HWY_ATTR {
             hn::Mask<Vd<float>> keep[kVecs];
-            if constexpr (kMask) BlockKeep(df, rm + x, keep);
+            if constexpr (kMask) ZeroBytesToFloatMasks4(df, rm + x, keep);
             for (int k = 0; k < kVecs; ++k) {
                 const int o = x + k * kN;
                 const auto acc = hn::LoadU(df, ri + o);

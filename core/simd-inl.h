@@ -255,3 +255,127 @@ HWY_INLINE hn::Vec<D> ShiftInNext(D d, hn::Vec<D> cur, hn::Vec<D> next) {
 HWY_AFTER_NAMESPACE();
 
 #endif  // ZEB_CORE_SIMD_INL_NEIGHBOURS_
+
+// ---- Instructions Highway 1.0.3 does not offer on every target ----
+// Integer multiply-adds, block reordering, in-range float conversions and
+// the spreading of a byte mask to float lanes. The raw instructions of
+// each target stay here; kernels call these by name. Compiled per target.
+#if defined(ZEB_CORE_SIMD_INL_TARGET_OPS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_CORE_SIMD_INL_TARGET_OPS_
+#undef ZEB_CORE_SIMD_INL_TARGET_OPS_
+#else
+#define ZEB_CORE_SIMD_INL_TARGET_OPS_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE {
+
+// sum + (a[2i] * b[2i] + a[2i+1] * b[2i+1]) per 32-bit lane, exact.
+template <class V16, class V32>
+HWY_INLINE V32 MulAddPairs(V16 a, V16 b, V32 sum) {
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Add(sum, V32{_mm512_madd_epi16(a.raw, b.raw)});
+#else
+    const hn::DFromV<V32> d32;
+    V32 unused = hn::Zero(d32);
+    return hn::ReorderWidenMulAccumulate(d32, a, b, sum, unused);
+#endif
+}
+
+// u[2i] * s[2i] + u[2i+1] * s[2i+1] per 16-bit lane: unsigned bytes u times
+// signed bytes s, saturated (callers keep the sums in range).
+template <class VU8, class VI8>
+HWY_INLINE hn::Vec<hn::Repartition<int16_t, hn::DFromV<VU8>>> MulAddBytePairs(VU8 u, VI8 s) {
+    using VI16 = hn::Vec<hn::Repartition<int16_t, hn::DFromV<VU8>>>;
+#if HWY_TARGET <= HWY_AVX3
+    return VI16{_mm512_maddubs_epi16(u.raw, s.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return VI16{_mm256_maddubs_epi16(u.raw, s.raw)};
+#else
+    return VI16{_mm_maddubs_epi16(u.raw, s.raw)};
+#endif
+}
+
+// lo holds elements 0..7 and hi elements 8..15 of every 16-byte block of
+// a row of 16-bit values; first and second receive the row's elements in
+// order.
+template <class V>
+HWY_INLINE void BlocksInOrder(V lo, V hi, V& first, V& second) {
+#if HWY_TARGET <= HWY_AVX3
+    const __m512i i0 = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
+    const __m512i i1 = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
+    first = V{_mm512_permutex2var_epi64(lo.raw, i0, hi.raw)};
+    second = V{_mm512_permutex2var_epi64(lo.raw, i1, hi.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    const hn::DFromV<V> d;
+    first = hn::ConcatLowerLower(d, hi, lo);
+    second = hn::ConcatUpperUpper(d, hi, lo);
+#else
+    first = lo;
+    second = hi;
+#endif
+}
+
+// Conversions of floats known to lie inside the int32 range (clamped
+// before, or exact sums below 2^24): the plain instructions, without the
+// out-of-range fix-up of Highway's conversions. Rounding to nearest even,
+// and toward zero.
+template <class VF>
+HWY_INLINE hn::Vec<hn::RebindToSigned<hn::DFromV<VF>>> RoundInRange(VF v) {
+    using VI = hn::Vec<hn::RebindToSigned<hn::DFromV<VF>>>;
+#if HWY_TARGET <= HWY_AVX3
+    return VI{_mm512_cvtps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return VI{_mm256_cvtps_epi32(v.raw)};
+#else
+    return VI{_mm_cvtps_epi32(v.raw)};
+#endif
+}
+template <class VF>
+HWY_INLINE hn::Vec<hn::RebindToSigned<hn::DFromV<VF>>> TruncInRange(VF v) {
+    using VI = hn::Vec<hn::RebindToSigned<hn::DFromV<VF>>>;
+#if HWY_TARGET <= HWY_AVX3
+    return VI{_mm512_cvttps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return VI{_mm256_cvttps_epi32(v.raw)};
+#else
+    return VI{_mm_cvttps_epi32(v.raw)};
+#endif
+}
+
+// The lanes of four consecutive float vectors whose mask byte is zero,
+// from one full vector of mask bytes (4 * Lanes(df) bytes): one byte
+// comparison, then spread to 32-bit lanes.
+template <class DF>
+HWY_INLINE void ZeroBytesToFloatMasks4(DF df, const uint8_t* HWY_RESTRICT m, hn::Mask<DF>* HWY_RESTRICT keep) {
+    constexpr int kN = int(hn::MaxLanes(df));
+    static_assert(4 * kN == kVecBytes, "the mask bytes of four float vectors fill one byte vector");
+    const hn::Repartition<uint8_t, DF> d8;
+    const auto zero = hn::Eq(hn::LoadU(d8, m), hn::Zero(d8));
+#if HWY_TARGET == HWY_AVX3
+    // One bit per byte: each float vector takes its 16 bits.
+    const uint64_t bits = zero.raw;
+    for (int k = 0; k < 4; ++k) keep[k] = hn::Mask<DF>{static_cast<__mmask16>(bits >> (kN * k))};
+#elif HWY_TARGET == HWY_AVX2
+    // Sign-extend each quarter of the byte mask to 32-bit lanes.
+    const __m256i e = hn::VecFromMask(d8, zero).raw;
+    const __m128i lo = _mm256_castsi256_si128(e), hi = _mm256_extracti128_si256(e, 1);
+    const __m128i q[4] = {lo, _mm_unpackhi_epi64(lo, lo), hi, _mm_unpackhi_epi64(hi, hi)};
+    for (int k = 0; k < 4; ++k)
+        keep[k] = hn::MaskFromVec(hn::Vec256<float>{_mm256_castsi256_ps(_mm256_cvtepi8_epi32(q[k]))});
+#else
+    // Double each byte twice: 16 bytes give four vectors of 32-bit lanes.
+    const hn::Repartition<uint16_t, DF> d16;
+    const auto e = hn::VecFromMask(d8, zero);
+    const auto w0 = hn::BitCast(d16, hn::InterleaveLower(e, e)), w1 = hn::BitCast(d16, hn::InterleaveUpper(d8, e, e));
+    keep[0] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveLower(w0, w0)));
+    keep[1] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveUpper(d16, w0, w0)));
+    keep[2] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveLower(w1, w1)));
+    keep[3] = hn::MaskFromVec(hn::BitCast(df, hn::InterleaveUpper(d16, w1, w1)));
+#endif
+}
+
+}  // namespace zeb::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_CORE_SIMD_INL_TARGET_OPS_

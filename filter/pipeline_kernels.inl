@@ -45,51 +45,6 @@ inline constexpr int kBytes = int(hn::MaxLanes(DU8()));    // bytes per vector
 // adder's latency.
 inline constexpr int kFloatChains = 4;
 
-// ---------------------------------------------------------------------------
-// Target-specific integer multiply-adds Highway 1.0.3 does not offer on
-// every target.
-
-// sum + (a[2i] * b[2i] + a[2i+1] * b[2i+1]) per 32-bit lane, exact.
-HWY_INLINE VI32 MulAddPairs(VI16 a, VI16 b, VI32 sum) {
-#if HWY_TARGET <= HWY_AVX3
-    return hn::Add(sum, VI32{_mm512_madd_epi16(a.raw, b.raw)});
-#else
-    const hn::Repartition<int32_t, DI16> d32;
-    VI32 unused = hn::Zero(d32);
-    return hn::ReorderWidenMulAccumulate(d32, a, b, sum, unused);
-#endif
-}
-
-// u[2i] * s[2i] + u[2i+1] * s[2i+1] per 16-bit lane: unsigned bytes u times
-// signed bytes s, saturated (callers keep the sums in range).
-HWY_INLINE VI16 MulAddBytePairs(hn::Vec<DU8> u, hn::Vec<hn::Repartition<int8_t, DU8>> s) {
-#if HWY_TARGET <= HWY_AVX3
-    return VI16{_mm512_maddubs_epi16(u.raw, s.raw)};
-#elif HWY_TARGET == HWY_AVX2
-    return VI16{_mm256_maddubs_epi16(u.raw, s.raw)};
-#else
-    return VI16{_mm_maddubs_epi16(u.raw, s.raw)};
-#endif
-}
-
-// lo holds elements 0..7 and hi elements 8..15 of every 16-byte block of
-// a row; first and second receive the row's elements in order.
-HWY_INLINE void BlocksInOrder(VI16 lo, VI16 hi, VI16& first, VI16& second) {
-#if HWY_TARGET <= HWY_AVX3
-    const __m512i i0 = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
-    const __m512i i1 = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
-    first = VI16{_mm512_permutex2var_epi64(lo.raw, i0, hi.raw)};
-    second = VI16{_mm512_permutex2var_epi64(lo.raw, i1, hi.raw)};
-#elif HWY_TARGET == HWY_AVX2
-    const DI16 d;
-    first = hn::ConcatLowerLower(d, hi, lo);
-    second = hn::ConcatUpperUpper(d, hi, lo);
-#else
-    first = lo;
-    second = hi;
-#endif
-}
-
 // After the whole blocks of w outputs below e, what is left of n (if any)
 // as one more block ending at n: it overlaps the block before and writes
 // some outputs again with the same values (no kernel writes over its
@@ -99,28 +54,6 @@ HWY_INLINE int OverlapLast(int e, int n, int w, Block&& block) {
     if (e >= n || n < w) return e;
     block(n - w);
     return n;
-}
-
-// Conversions of floats known to lie inside the int32 range (clamped
-// before, or exact sums below 2^24): the plain instructions, without the
-// out-of-range fix-up of Highway's conversions.
-HWY_INLINE hn::Vec<DI32> RoundInRange(VF v) {
-#if HWY_TARGET <= HWY_AVX3
-    return hn::Vec<DI32>{_mm512_cvtps_epi32(v.raw)};
-#elif HWY_TARGET == HWY_AVX2
-    return hn::Vec<DI32>{_mm256_cvtps_epi32(v.raw)};
-#else
-    return hn::Vec<DI32>{_mm_cvtps_epi32(v.raw)};
-#endif
-}
-HWY_INLINE hn::Vec<DI32> TruncInRange(VF v) {
-#if HWY_TARGET <= HWY_AVX3
-    return hn::Vec<DI32>{_mm512_cvttps_epi32(v.raw)};
-#elif HWY_TARGET == HWY_AVX2
-    return hn::Vec<DI32>{_mm256_cvttps_epi32(v.raw)};
-#else
-    return hn::Vec<DI32>{_mm_cvttps_epi32(v.raw)};
-#endif
 }
 
 // ---------------------------------------------------------------------------

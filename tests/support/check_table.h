@@ -2,7 +2,7 @@
 //
 // A check test describes one export by
 //   - an argument record of its own (any struct: pointers, steps, the ROI,
-//     parameters, arrays of row pointers, a specification block ...),
+//     parameters, arrays of row pointers, a prepared filter block ...),
 //   - `valid`: builds a call that succeeds, taking every piece of memory
 //     the call may touch from the Arena it is given,
 //   - `call`: calls the export through variant v's table entry,
@@ -12,7 +12,7 @@
 // zt::checks::run(table) runs the valid call and every case through both
 // variant table entries. For a case that must fail it runs twice, on blocks
 // filled with a pattern and then with its complement, and proves that every
-// byte of every block (destinations, work buffers, specification and state
+// byte of every block (destinations, work buffers, prepared filter and state
 // blocks, outputs of scalar results, the sources too) is unchanged: no
 // value a kernel could write equals both fills.
 //
@@ -28,9 +28,9 @@
 //          {"short step, width 0", [](A& x) { x.as -= 1, x.roi.width = 0; }, zebStsSizeErr}}};
 //     zt::checks::run(t);
 //
-// Work buffers and specification blocks: allocate them in `valid` with
+// Work buffers and prepared filter blocks: allocate them in `valid` with
 // m.block(name, bytes) at exactly the size the query returned (against a
-// guard page), and build the specification there (an Init call); a case may
+// guard page), and prepare the filter there (an Init call); a case may
 // then corrupt bytes of it through the pointer it keeps in its record. The
 // canaries are taken after the mutation, so the corrupted block must stay
 // as the case left it. Scalar outputs (a mean, an index) are blocks too:
