@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Absolute-difference kernels, compiled once per vector target (Highway's
 // foreach_target re-includes this file). Integer types take the larger of
 // two saturating differences; floats clear the sign bit of the difference.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The images of one accumulation call, shared by the entries and the
 // per-target kernels.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Accumulation kernels, compiled once per vector target (Highway's
 // foreach_target re-includes this file). The vector bodies repeat the
 // scalar definitions of arith/arith_ref.h operation for operation (no fused

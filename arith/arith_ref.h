@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Per-pixel definitions of the difference and accumulation families. The
 // kernels use these for their scalar heads and tails and the vector bodies
 // repeat them operation for operation, so results agree bit for bit.

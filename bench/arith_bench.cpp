@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pixel difference and accumulation against OpenCV.
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Benchmark registry: each pair runs zebcv and OpenCV on the same buffers,
 // single-threaded, and the report prints the ratio zebcv/OpenCV and the time
 // of a memcpy of the bytes the operation touches.

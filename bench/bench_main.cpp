@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs every registered pair through Google Benchmark and prints, per pair
 // and vector target, zebcv and OpenCV times, the ratio zebcv/OpenCV and the
 // ratio to memcpy. Accepts Google Benchmark's flags

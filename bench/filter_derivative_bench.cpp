@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Derivative and smoothing filters against OpenCV's Sobel, Scharr,
 // Laplacian and blur with the replicate border, on the same 1920x1080
 // buffers; work buffers are allocated once, outside the timed loop.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Gaussian filter and separable row/column pipelines against OpenCV.
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image statistics against OpenCV: mean and deviation, extrema, norms.
 #include <opencv2/core.hpp>
 

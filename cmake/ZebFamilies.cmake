@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Every library source is compiled once. Family sources compile their
 # vector kernels once per instruction-set target themselves (Highway's
 # foreach_target), so the build needs only Highway's headers. Subsystem

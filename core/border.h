@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shared border engine. Filters read pixels around the ROI either from
 // memory (when the caller says they exist there) or synthesise them by a
 // rule: constant, replicate, wrap, mirror without and with the edge pixel.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Argument-check helpers. Every export checks in a fixed order and returns
 // the first failing status before touching any pixel; these helpers keep
 // each check a single expression.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The frame: variant and vector-target choice at load, version records,
 // shared state release.
 #include <hwy/highway.h>

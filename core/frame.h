@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Internal frame shared by every family: the process-wide variant choice,
 // memory wrappers, the store-kind rule, row access.
 #pragma once

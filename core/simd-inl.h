@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Vector operations every kernel shares, written once on Highway and
 // compiled per target: what Highway 1.0.3 lacks (integer absolute
 // difference, exact widening loads to float) and the aligned or streaming

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instruction-set targets of the vector kernels. Kernel sources are
 // compiled once per target with Highway's foreach_target mechanism; each
 // target's kernels live in namespace zeb::N_<TARGET>. One process-wide

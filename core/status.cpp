@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Status names: the text of every status value the library returns.
 #include "core/dispatch.h"
 

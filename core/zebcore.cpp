@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // zebcore: allocation, processor features and cache size. Compiled with
 // ZEBCORE_TEST_HOOKS it also carries the failure injection of
 // zebcore_test_hooks.h (the test suite's build only).

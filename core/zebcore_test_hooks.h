@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* Failure injection for the test suite. Only the test build of zebcore
  * (target zebcore_test_hooks) defines these; the shipped libzebcore does
  * not, and its public header does not declare them. */

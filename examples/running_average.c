@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* A running average of frames, the way a background model keeps one:
  * acc = (frame - acc) * alpha + acc, then |frame - round(acc)| shows what
  * moved. Build: cc running_average.c $(pkg-config --cflags --libs zebcv) */

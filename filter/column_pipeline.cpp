@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Column pass of the separable filters: kernelSize consecutive filtered rows
 // from the caller's row-pointer array combined into each destination row;
 // and the work-buffer queries of the column pass.

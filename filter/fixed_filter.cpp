@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The vector kernels of the fixed filters, compiled here once for every
 // target, and the entry that runs one member's kernel on the chosen target.
 // The family sources (Sobel, Scharr, Laplacian, lowpass) only check their

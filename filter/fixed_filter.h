@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine behind the fixed 3x3 and 5x5 filters (Sobel, Scharr,
 // Laplacian, lowpass): kernel descriptors, argument checks, work-buffer
 // sizes and the entry into the vector kernels (filter/fixed_filter.cpp).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Kernels of the fixed 3x3 and 5x5 filters, compiled once per vector
 // target (Highway's foreach_target re-includes this file). The vector body
 // and the scalar head and tail evaluate the same expression tree, so every

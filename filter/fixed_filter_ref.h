@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Per-pixel definitions of the fixed filters. The kernels use these for
 // the scalar heads and tails of every row and for the columns beyond the
 // ROI; the vector bodies repeat them operation for operation, so every

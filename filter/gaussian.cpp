@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Gaussian smoothing with borders: the kernel setup (kernel table) and its
 // sizes, the filters of every type, and the older one-call 32f filter. The
 // filtering is the row and column passes of the separable pipelines run

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Laplacian with borders, 3x3 and 5x5, for 8u16s, 8u8s and 32f, with the
 // buffer-size queries.
 #include "core/dispatch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lowpass (mean of the 3x3 or 5x5 neighbourhood) with borders for 8u and
 // 32f, with the buffer-size queries. 8u rounds the mean to nearest (the
 // sum plus half the count, divided by the count; 9 and 25 are odd, so no

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pieces of the separable-filter kernels that do not depend on the
 // instruction set: conversion rules, coefficient sources and the layout of
 // the Gaussian filter's strip buffers.

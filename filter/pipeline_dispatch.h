@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Entry points of the separable-filter kernels. The kernels are compiled
 // once, for every vector target, in filter/pipeline_kernels.cpp; each entry
 // below runs the target chosen at load. Arguments are checked by the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one build of the separable-filter kernels: compiled for every vector
 // target, and entry points that run the target chosen at load. The row
 // pass, the column pass and the Gaussian filter call these.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Row and column kernels of the separable filters (row pass, column pass and
 // the Gaussian filter built on them), compiled once per vector target
 // (Highway's foreach_target re-includes this file from

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work-buffer sizes of the row and column passes. The derivative, smoothing
 // and Gaussian filters add them into their own buffer sizes, so they live in
 // one place. k is the kernel length, w the ROI width; arguments are checked

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Row pass of the separable filters: each source row filtered horizontally,
 // with the pixels beyond its ends supplied by the border type, into the
 // caller's row buffers; and the work-buffer queries of the row pass.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scharr first derivatives with borders (3x3): Horiz (d/dy) and Vert
 // (d/dx), oriented like the Sobel derivatives of the same direction, for
 // 8u16s, 8u8s and 32f, with their buffer-size queries. The 8u8s forms

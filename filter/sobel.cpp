@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sobel first derivatives with borders: Horiz (d/dy), Vert (d/dx) and
 // NegVert (-d/dx), 3x3 and 5x5, for 8u16s, 8u8s and 32f, with their
 // buffer-size queries.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One-dimensional Sobel kernels of any odd length: a binomial row built in
 // place by repeated neighbour sums, then differenced dx times. The 16-bit
 // form computes in the destination array itself, so coefficients of very

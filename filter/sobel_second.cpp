@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sobel second and cross derivatives with borders: HorizSecond (d2/dy2),
 // VertSecond (d2/dx2) and Cross (d2/dxdy), 3x3 and 5x5, for 8u16s, 8u8s and
 // 32f, with their buffer-size queries.

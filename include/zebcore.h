@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* zebcore: the support library zebcv runs on. It allocates, releases and
  * reports what the processor offers. This header compiles as C99 and C++. */
 #ifndef ZEBCORE_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* zebcv: computer-vision image primitives with a flat C interface.
  *
  * Conventions: every function takes, per image, a pointer to the first

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds zebcv and its command-line program and runs the main job: every
 # pipeline on generated sample scenes, results in ./zebcv-demo (or $1).
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds zebcv with its tests and benchmarks and runs the whole suite, then
 # runs it again under AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mean (masked) and mean with standard deviation (plain and masked) of one
 // channel: one- or three-channel images of 8u, 8s, 16u and 32f.
 #undef HWY_TARGET_INCLUDE

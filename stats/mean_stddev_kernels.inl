@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Moment kernels (count, sum, sum of squares of the selected values),
 // compiled once per vector target (Highway's foreach_target re-includes
 // this file). Integer sums are exact, so their lane layout is free. The

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Minimum and maximum with the positions of their first occurrence, of one
 // channel: one- or three-channel images of 8u, 8s, 16u and 32f, with or
 // without a mask.

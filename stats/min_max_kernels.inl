@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Extremum kernels, compiled once per vector target (Highway's
 // foreach_target re-includes this file). Values are compared as
 // order-preserving keys (stats_ref.h); unselected lanes take the neutral

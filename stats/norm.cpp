@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Masked norms of an image, of the difference of two images and of that
 // difference relative to the second image (Inf, L1, L2), of one channel:
 // one- or three-channel images of 8u, 8s, 16u and 32f.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Norm kernels, compiled once per vector target (Highway's foreach_target
 // re-includes this file). Masks are applied by zeroing unselected lanes
 // (compare with zero, then AND); only the scalar remainders test each mask

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pieces shared by the statistics families: argument checks and the walk
 // over one channel of a row.
 #pragma once

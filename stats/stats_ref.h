@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scalar definitions of the statistics families. The vector kernels use
 // these for their remainders and repeat them operation for operation in
 // their bodies, so every instruction-set path gives the same bits.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The command-line program as a user meets it: the demo runs and writes its
 # images, diff works on them, and bad input gives a clear error and the
 # documented exit status, never a crash.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The zebcv command-line program: commands and demo steps register
 // themselves from their own source files.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // zebcv diff: absolute difference of two images.
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // zebcv filter: derivative and smoothing filters with borders on an image.
 // 8-bit images run the 8-bit forms; 16-bit images run the Gaussian's
 // 16-bit forms and, for the other filters, the single-precision forms on

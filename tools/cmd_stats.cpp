@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // zebcv stats: mean, standard deviation, extrema with positions and the
 // three norms of every channel of an image, optionally under a mask.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image files for the command-line program: PNG, JPEG, PGM and PPM in and
 // out; 8-bit throughout, 16-bit PNG, PGM and PPM as well (JPEG holds
 // 8-bit samples only).

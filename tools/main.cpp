@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // zebcv: runs image pipelines built on the library's public C API.
 #include <sys/stat.h>
 

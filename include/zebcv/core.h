@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* zebcv frame: version query and the shared release of state objects. */
 #ifndef ZEBCV_CORE_H
 #define ZEBCV_CORE_H

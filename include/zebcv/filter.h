@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Linear filtering with borders. */
 #ifndef ZEBCV_FILTER_H
 #define ZEBCV_FILTER_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Derivative and smoothing filters with borders: Sobel, Scharr, Laplacian, lowpass.
  *
  * Every filter reads a 3x3 or 5x5 neighbourhood (maskSize zebMskSize3x3 or

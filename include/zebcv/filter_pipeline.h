@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Separable filter pipelines: the row pass with borders and the column pass.
  *
  * A separable 2-D filter runs as two 1-D passes that the caller chains:

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Image statistics: masked mean, standard deviation, extrema and norms.
  *
  * Every function reads one channel: a one-channel image (C1) or the channel

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* zebcv shared types, status codes and codes used across the library.
  * This header compiles as C99 and as C++. */
 #ifndef ZEBCV_TYPES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every difference and accumulation export: its kind, source type, whether
 // it has a second source and a mask, the element sizes of its images in
 // argument order, and the order of its step checks (">" a group of length

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The difference and accumulation exports, driven by the member list: the
 // argument checks in their order with canaries, results bit for bit
 // against the per-pixel definitions (written out here, not taken from the

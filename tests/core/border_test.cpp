@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shared border engine against OpenCV's border interpolation.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The public header compiles as C99; this unit also calls through it. */
 #include "zebcv.h"
 

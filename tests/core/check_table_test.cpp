@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table-driven check runner against calls that break the rules on
 // purpose, which it must report (the families' check tests run it on the
 // real exports).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The frame: version records, variant choice, dispatch, zebcore and the
 // shared release of state objects.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The harness itself: guard pages on both sides of a block, the padding
 // check of images, ROIs inside a larger block. Each check is shown to
 // report the fault it exists for.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Status names: every status the public header defines is named by its
 // enumerator, through both variants; anything else gets one fixed text.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sobel, Scharr, Laplacian and lowpass filters with borders and the Sobel
 // kernel generator: argument checks and size queries (check tables with
 // canaries), results on every vector target through both variant tables,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The row and column passes: argument checks of every member (check tables
 // with canaries), the size queries, results through both variants on every
 // vector target against the per-sample definitions (bit for bit, every row

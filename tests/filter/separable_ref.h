@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The per-pixel definition shared by the filter suites: a source image
 // extended by a border rule (OpenCV's borderInterpolate for the modes, the
 // caller's memory for the sides flagged as readable), and the in-order sum

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mean and standard deviation, on every vector target and both variants:
 // the definitions (exact integer sums; the documented lane orders of the
 // 32f kernels and the refinement pass, bit for bit), the edge cases,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Extrema with positions, on every vector target and both variants: a plain
 // scan in row order (strict comparisons, so first occurrences win) on data
 // full of ties, NaN and signed zeros; the edge cases; OpenCV's minMaxLoc on

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Masked norms, on every vector target and both variants: the definitions
 // (exact integer totals; the documented four-lane row order of the 32f
 // sums, bit for bit), the zero-denominator rule of the relative norms,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Argument checks of every statistics export, one table per member: which
 // pointers are required, the size before the steps, the member's order of
 // length and parity checks, the channel of interest last. Failing cases

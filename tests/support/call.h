@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls an export generically from lists of images and a ROI, so that one
 // table-driven test serves every member of a family. Arguments are filled
 // in order: a pointer takes the next image pointer, an int right after a

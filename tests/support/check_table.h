@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Table-driven argument-check tests with canaries.
 //
 // A check test describes one export by

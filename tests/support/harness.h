@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The test harness every suite uses: guarded images, canaries, the runner
 // over processor variants and instruction-set paths, zero-copy OpenCV views.
 #pragma once

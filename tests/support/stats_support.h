@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Helpers shared by the statistics suites: the member list (every export
 // reachable through its table entries), masks, channel values, the shape
 // sweep, the images compared with OpenCV and the error bound of
