@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Absolute difference of two images (AbsDiff) and of an image and a
 // constant (AbsDiffC).
 #undef HWY_TARGET_INCLUDE
@@ -56,6 +57,11 @@ ZebStatus abs_diff_c(const T* a, int as, T* d, int ds, ZebiSize roi, T c, int wo
 ZebStatus zebiAbsDiff_8u_C1R(const Zeb8u* a, int as, const Zeb8u* b, int bs, Zeb8u* d, int ds, ZebiSize roi) {
     return abs_diff(a, as, b, bs, d, ds, roi, 1, 0);
 }
+// Working-set figures (bytes per pixel for the streaming choice, 0 for a
+// member that never streams) are the documented per-member figures listed
+// in zebcv/arith.h: the bytes per pixel of all images of the call, except
+// where a comment says otherwise.
+
 // Three interleaved channels are one channel of three times the width.
 ZebStatus zebiAbsDiff_8u_C3R(const Zeb8u* a, int as, const Zeb8u* b, int bs, Zeb8u* d, int ds, ZebiSize roi) {
     return abs_diff(a, as, b, bs, d, ds, roi, 3, 0);
@@ -74,6 +80,8 @@ ZebStatus zebiAbsDiffC_8u_C1R(const Zeb8u* a, int as, Zeb8u* d, int ds, ZebiSize
     return abs_diff_c(a, as, d, ds, roi, Zeb8u(std::clamp(value, 0, 255)), 0);
 }
 ZebStatus zebiAbsDiffC_16u_C1R(const Zeb16u* a, int as, Zeb16u* d, int ds, ZebiSize roi, int value) {
+    // Documented figure 6, not the 4 bytes per pixel the call touches:
+    // the figure only steers the store kind.
     return abs_diff_c(a, as, d, ds, roi, Zeb16u(std::clamp(value, 0, 65535)), 6);
 }
 ZebStatus zebiAbsDiffC_32f_C1R(const Zeb32f* a, int as, Zeb32f* d, int ds, ZebiSize roi, Zeb32f value) {

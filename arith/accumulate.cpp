@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Accumulation into a single-precision image: Add, AddSquare, AddProduct,
 // AddWeighted, each plain (IR) and masked (IMR), plus the two-source
 // weighted sum AddWeighted_32f_C1R.
@@ -93,6 +94,15 @@ Images<T> two_m(const T* s1, int st1, const T* s2, int st2, const Zeb8u* m, int 
 
 // The exports: one line each, naming the operation, source type, the
 // images taking part and the member's working-set figure.
+//
+// Working-set figures are the documented per-member figures listed in
+// zebcv/arith.h (0: the member never streams). Each is the bytes per pixel
+// of the images of the call, the accumulator counted once (source, mask,
+// accumulator: AddProduct 8u 1+1+1+4 = 7, 16u 2+2+1+4 = 9, 32f 4+4+1+4 = 13;
+// masked AddWeighted 16u 2+1+4 = 7, 32f 4+1+4 = 9), except two documented
+// figures that differ and are kept as documented, since they only steer the
+// store kind: 12 for the masked 32f AddSquare (9 bytes) and 5 for the masked
+// 8-bit AddWeighted forms (6 bytes).
 #define ZEB_ACC_IR(name, Op, T)                                                      \
     ZebStatus name(const T* s, int ss, Zeb32f* acc, int as, ZebiSize roi) {          \
         return accumulate<ref::Op, T, false, false, 0>(one(s, ss, acc, as), roi, 0.f); \

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Install rules: headers, both libraries, a CMake package (find_package(zebcv)
 # gives zebcv::zebcv and zebcv::zebcore) and a pkg-config file.
 include(CMakePackageConfigHelpers)
@@ -15,6 +16,8 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/zebcvConfigVersion.
   COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zebcvConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/zebcvConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zebcv)
+
+install(FILES LICENSE README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 configure_file(cmake/zebcv.pc.in ${CMAKE_CURRENT_BINARY_DIR}/zebcv.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zebcv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Export dispatch. Every family source is compiled once; its exported
 // functions are implemented in namespace zeb::impl. ZEB_EXPORT(name) emits
 // the hidden two-entry variant table {zeb::impl::name, zeb::impl::name} and
@@ -14,6 +15,7 @@
             ".globl " #name "\n\t"                                  \
             ".type " #name ", @function\n\t"                        \
             ".p2align 4\n" #name ":\n\t"                            \
+            "endbr64\n\t"                                          \
             "movslq zeb_cpu_variant(%rip), %rax\n\t"                \
             "leaq zeb_tbl_" #name "(%rip), %r11\n\t"                \
             "jmp *(%r11,%rax,8)\n\t"                                \

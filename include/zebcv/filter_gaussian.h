@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Gaussian smoothing with borders.
  *
  * Call sequence:
@@ -58,7 +59,12 @@ ZEB_API ZebStatus zebiFilterGaussianGetBufferSize(ZebiSize roiSize, Zeb32u kerne
 
 /* Checks: pSpec or pBuffer null (-8); width or height below 1 (-6);
  * kernelSize below 3 or even (-5); dataType (-12); numChannels (-47);
- * sigma not above 0 (-5); border type (-225). Writes only the kernel setup. */
+ * sigma not above 0 (-5); border type (-225). Writes only the kernel setup.
+ * kernelSize is compared as an unsigned number: an odd value of 2^31 or
+ * more (a negative length passed through a signed int) passes the check
+ * and is kept as a negative length with no coefficients; Init returns 0
+ * and every filter refuses that setup with -5 before writing anything.
+ * The size query refuses such a length, as it has no buffer size. */
 ZEB_API ZebStatus zebiFilterGaussianInit(ZebiSize roiSize, Zeb32u kernelSize, Zeb32f sigma, ZebiBorderType borderType,
                                          ZebDataType dataType, int numChannels, ZebFilterGaussianSpec* pSpec,
                                          Zeb8u* pBuffer);

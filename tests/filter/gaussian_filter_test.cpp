@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Gaussian filter: its kernel table against OpenCV's, the argument
 // checks of every export (check tables with canaries on every block),
 // results of every type, channel count and border through both variants on
@@ -184,7 +185,8 @@ TEST(GaussianChecks, InitOrder) {
          {"border 240 + 6, 16s", [](I& a) { a.bt = 246, a.type = zeb16s; }, 0},
          {"border 32, 32f C3 length 9", [](I& a) { a.bt = 32, a.type = zeb32f, a.ch = 3, a.k = 9; }, 0},
          // A negative odd length passes as unsigned and builds no table.
-         {"length -3", [](I& a) { a.k = Zeb32u(-3); }, 0}}});
+         {"length -3", [](I& a) { a.k = Zeb32u(-3); }, 0},
+         {"length 2^31 + 1", [](I& a) { a.k = (1u << 31) + 1; }, 0}}});
 }
 
 template <class T>
