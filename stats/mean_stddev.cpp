@@ -119,18 +119,17 @@ double float_deviation(const Src<float>& s, double mean) {
     return lane_total(ld, kMomentLanes);
 }
 
-// Kernel choice of the unmasked one-channel float form: small images and
-// narrow rows take the two-row four-lane kernel, mid-sized images with
-// 16-byte row steps the aligned one, the rest the blocked one.
+// The unmasked one-channel float form: small images and narrow rows take
+// the two-row four-lane kernel, mid-sized images with 16-byte row steps the
+// aligned one, the rest the blocked one (stats::float_c1_kernel).
 Totals float_c1_totals(const Src<float>& s) {
-    const int32_t n = int32_t(uint32_t(s.roi.width) * uint32_t(s.roi.height));
-    if (n <= 5000 || s.roi.width < 4) {
+    const auto kernel = stats::float_c1_kernel(s.roi.width, s.roi.height, s.p, s.step);
+    if (kernel == stats::FloatC1Kernel::Plain) {
         double S, Q;
         ZEB_DISPATCH(moments::plain_run)(s.p, s.step, s.roi.width, s.roi.height, &S, &Q);
         return {double(int64_t(s.roi.width) * s.roi.height), S, Q};
     }
-    const bool aligned = n < 100000 && reinterpret_cast<uintptr_t>(s.p) % 4 == 0 && s.step % 16 == 0;
-    return float_totals<false>(s, !aligned);
+    return float_totals<false>(s, kernel == stats::FloatC1Kernel::Blocked);
 }
 
 // Checks, then mean and (unless meanOnly) standard deviation; a null

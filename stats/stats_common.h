@@ -60,4 +60,17 @@ inline void for_channel(const T* r1, const T* r2, int ch, int c, int w, F&& f) {
     }
 }
 
+// Kernel of the unmasked one-channel float mean and deviation: images of
+// at most 5000 pixels or narrower than 4 take the plain kernel; those below
+// 100000 pixels whose first pixel is 4-byte aligned and whose step is a
+// multiple of 16 the aligned one; the rest the blocked one. The pixel count
+// is taken in 64 bits, so an image of 2^31 pixels or more is large.
+enum class FloatC1Kernel { Plain, Aligned, Blocked };
+inline FloatC1Kernel float_c1_kernel(int32_t width, int32_t height, const void* p, int32_t step) {
+    const int64_t n = int64_t(width) * height;
+    if (n <= 5000 || width < 4) return FloatC1Kernel::Plain;
+    const bool aligned = reinterpret_cast<uintptr_t>(p) % 4 == 0 && step % 16 == 0;
+    return n < 100000 && aligned ? FloatC1Kernel::Aligned : FloatC1Kernel::Blocked;
+}
+
 }  // namespace zeb::stats

@@ -4,6 +4,7 @@
 // 32f kernels and the refinement pass, bit for bit), the edge cases,
 // long-double sums within the error bound of single-precision lanes, and
 // OpenCV's meanStdDev on random images and photographs.
+#include "stats/stats_common.h"
 #include "stats/stats_ref.h"
 #include "stats_support.h"
 
@@ -240,3 +241,23 @@ TEST_P(MeanStdDev, FloatAgainstLongDouble) {
 }
 
 }  // namespace
+
+// The float kernel choice counts pixels in 64 bits: sizes around the
+// thresholds and around 2^31 and 2^32 pixels, where a 32-bit count would
+// wrap to a small or negative number and pick the plain kernel.
+TEST(MeanStdDevKernelChoice, CountsPixelsIn64Bits) {
+    using zeb::stats::float_c1_kernel;
+    using K = zeb::stats::FloatC1Kernel;
+    alignas(16) static const float px[4] = {};
+    const struct {
+        int32_t w, h, step;
+        K want;
+    } cases[] = {{100, 50, 400, K::Plain},       {5001, 1, 20016, K::Aligned},   {3, 100000, 16, K::Plain},
+                 {1000, 99, 4000, K::Aligned},   {1000, 100, 4000, K::Blocked},  {1000, 99, 4004, K::Blocked},
+                 {65536, 32768, 262144, K::Blocked}, {65536, 32769, 262144, K::Blocked},
+                 {65536, 65536, 262144, K::Blocked}, {65537, 65536, 262148, K::Blocked}};
+    for (const auto& c : cases)
+        EXPECT_EQ(float_c1_kernel(c.w, c.h, px, c.step), c.want) << c.w << "x" << c.h;
+    // The same image with an unaligned first pixel is never aligned.
+    EXPECT_EQ(float_c1_kernel(1000, 99, reinterpret_cast<const char*>(px) + 2, 4000), K::Blocked);
+}
