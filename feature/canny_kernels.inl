@@ -126,6 +126,19 @@ void suppress_row(const S* HWY_RESTRICT dx, const S* HWY_RESTRICT dy, const M* p
     }
 }
 
+// v * c for a small constant c, with shifts and additions (a 32-bit
+// multiply is several instructions on the baseline target).
+template <int c, class V>
+HWY_INLINE V MulConst(V v) {
+    if constexpr (c == 1) return v;
+    else if constexpr (c == 2) return hn::Add(v, v);
+    else if constexpr (c == 3) return hn::Add(hn::Add(v, v), v);
+    else if constexpr (c == 4) return hn::ShiftLeft<2>(v);
+    else if constexpr (c == 6) return hn::ShiftLeft<1>(hn::Add(hn::Add(v, v), v));
+    else if constexpr (c == 10) return hn::ShiftLeft<1>(hn::Add(hn::ShiftLeft<2>(v), v));
+    else return hn::Mul(v, hn::Set(hn::DFromV<V>(), c));
+}
+
 // The border detector's gradient row: rows[0..k-1] hold the source rows
 // around this one with k/2 border pixels on each side. Writes the cut
 // magnitude (0 unless strictly above low) and the direction code.
@@ -141,25 +154,22 @@ void gradient_row(const uint8_t* const* rows, float* HWY_RESTRICT m, uint8_t* HW
         hn::Vec<DI> gx, gy;
         if constexpr (kKind == 2) {
             // Column differences and sums first, then along the row.
-            const auto c2 = hn::Set(di, 2), c4 = hn::Set(di, 4), c6 = hn::Set(di, 6);
             hn::Vec<DI> sm[5], df5[5];
             for (int i = 0; i < 5; ++i) {
                 const auto p0 = px(0, x + i), p1 = px(1, x + i), p2 = px(2, x + i), p3 = px(3, x + i),
                            p4 = px(4, x + i);
-                sm[i] = hn::Add(hn::Add(hn::Add(p0, p4), hn::Mul(c4, hn::Add(p1, p3))), hn::Mul(c6, p2));
-                df5[i] = hn::Add(hn::Sub(p4, p0), hn::Mul(c2, hn::Sub(p3, p1)));
+                sm[i] = hn::Add(hn::Add(hn::Add(p0, p4), MulConst<4>(hn::Add(p1, p3))), MulConst<6>(p2));
+                df5[i] = hn::Add(hn::Sub(p4, p0), MulConst<2>(hn::Sub(p3, p1)));
             }
-            gx = hn::Add(hn::Sub(sm[4], sm[0]), hn::Mul(c2, hn::Sub(sm[3], sm[1])));
-            gy = hn::Add(hn::Add(hn::Add(df5[0], df5[4]), hn::Mul(c4, hn::Add(df5[1], df5[3]))),
-                         hn::Mul(c6, df5[2]));
+            gx = hn::Add(hn::Sub(sm[4], sm[0]), MulConst<2>(hn::Sub(sm[3], sm[1])));
+            gy = hn::Add(hn::Add(hn::Add(df5[0], df5[4]), MulConst<4>(hn::Add(df5[1], df5[3]))),
+                         MulConst<6>(df5[2]));
         } else {
-            const auto a = hn::Set(di, kKind == 0 ? 1 : 3), b = hn::Set(di, kKind == 0 ? 2 : 10);
+            constexpr int a = kKind == 0 ? 1 : 3, b = kKind == 0 ? 2 : 10;
             const auto r00 = px(0, x), r02 = px(0, x + 2), r10 = px(1, x), r12 = px(1, x + 2);
             const auto r20 = px(2, x), r22 = px(2, x + 2), r01 = px(0, x + 1), r21 = px(2, x + 1);
-            gx = hn::Add(hn::Add(hn::Mul(a, hn::Sub(r02, r00)), hn::Mul(b, hn::Sub(r12, r10))),
-                         hn::Mul(a, hn::Sub(r22, r20)));
-            gy = hn::Add(hn::Add(hn::Mul(a, hn::Sub(r20, r00)), hn::Mul(b, hn::Sub(r21, r01))),
-                         hn::Mul(a, hn::Sub(r22, r02)));
+            gx = hn::Add(MulConst<a>(hn::Add(hn::Sub(r02, r00), hn::Sub(r22, r20))), MulConst<b>(hn::Sub(r12, r10)));
+            gy = hn::Add(MulConst<a>(hn::Add(hn::Sub(r20, r00), hn::Sub(r22, r02))), MulConst<b>(hn::Sub(r21, r01)));
         }
         const auto ax = hn::ConvertTo(df, hn::Abs(gx)), ay = hn::ConvertTo(df, hn::Abs(gy));
         // A correctly rounded single-precision root equals the double root
