@@ -148,13 +148,35 @@ void gradient_row(const uint8_t* const* rows, float* HWY_RESTRICT m, uint8_t* HW
     const DI di;
     const D8 d8;
     const auto vlow = hn::Set(df, low), tanLow = hn::Set(df, zeb::canny::kTanLow);
-    auto px = [&](int j, int o) HWY_ATTR { return hn::PromoteTo(di, hn::LoadU(d8, rows[j] + o)); };
+    // The sums fit 16 bits (at most 12240 in magnitude): they are formed
+    // on twice the pixels of a float vector, then widened half by half.
+    const hn::Repartition<int16_t, DF> d16;
+    const hn::Rebind<uint8_t, decltype(d16)> d8w;
+    const hn::Half<decltype(d16)> dh;
+    constexpr int kW = 2 * kN;
+    auto px = [&](int j, int o) HWY_ATTR { return hn::PromoteTo(d16, hn::LoadU(d8w, rows[j] + o)); };
+    // Magnitude, cut and direction code of kN pixels from their sums.
+    auto finish = [&](hn::Vec<DI> gx, hn::Vec<DI> gy, int o) HWY_ATTR {
+        const auto ax = hn::ConvertTo(df, hn::Abs(gx)), ay = hn::ConvertTo(df, hn::Abs(gy));
+        // A correctly rounded single-precision root equals the double root
+        // rounded to single, so the float root serves the L2 rule.
+        const auto mag = kL2 ? hn::Sqrt(hn::Add(hn::Mul(ax, ax), hn::Mul(ay, ay))) : hn::Add(ax, ay);
+        hn::StoreU(hn::IfThenElseZero(hn::Gt(mag, vlow), mag), df, m + o);
+        const auto tl = hn::Mul(tanLow, ax);
+        const auto vert = hn::RebindMask(di, hn::Gt(ay, hn::Add(hn::Add(ax, ax), tl)));
+        const auto horiz = hn::RebindMask(di, hn::Gt(tl, ay));
+        const auto plus = hn::Not(hn::Lt(hn::Xor(gx, gy), hn::Zero(di)));
+        const auto diag = hn::IfThenElse(plus, hn::Set(di, zeb::canny::kDiagPlus), hn::Set(di, zeb::canny::kDiagMinus));
+        const auto c = hn::IfThenElse(vert, hn::Set(di, zeb::canny::kVert),
+                                      hn::IfThenElse(horiz, hn::Set(di, zeb::canny::kHoriz), diag));
+        hn::StoreU(hn::DemoteTo(d8, c), d8, code + o);
+    };
     int x = 0;
-    for (; x + kN <= w; x += kN) {
-        hn::Vec<DI> gx, gy;
+    for (; x + kW <= w; x += kW) {
+        hn::Vec<decltype(d16)> gx, gy;
         if constexpr (kKind == 2) {
             // Column differences and sums first, then along the row.
-            hn::Vec<DI> sm[5], df5[5];
+            hn::Vec<decltype(d16)> sm[5], df5[5];
             for (int i = 0; i < 5; ++i) {
                 const auto p0 = px(0, x + i), p1 = px(1, x + i), p2 = px(2, x + i), p3 = px(3, x + i),
                            p4 = px(4, x + i);
@@ -171,19 +193,8 @@ void gradient_row(const uint8_t* const* rows, float* HWY_RESTRICT m, uint8_t* HW
             gx = hn::Add(MulConst<a>(hn::Add(hn::Sub(r02, r00), hn::Sub(r22, r20))), MulConst<b>(hn::Sub(r12, r10)));
             gy = hn::Add(MulConst<a>(hn::Add(hn::Sub(r20, r00), hn::Sub(r22, r02))), MulConst<b>(hn::Sub(r21, r01)));
         }
-        const auto ax = hn::ConvertTo(df, hn::Abs(gx)), ay = hn::ConvertTo(df, hn::Abs(gy));
-        // A correctly rounded single-precision root equals the double root
-        // rounded to single, so the float root serves the L2 rule.
-        const auto mag = kL2 ? hn::Sqrt(hn::Add(hn::Mul(ax, ax), hn::Mul(ay, ay))) : hn::Add(ax, ay);
-        hn::StoreU(hn::IfThenElseZero(hn::Gt(mag, vlow), mag), df, m + x);
-        const auto tl = hn::Mul(tanLow, ax);
-        const auto vert = hn::RebindMask(di, hn::Gt(ay, hn::Add(hn::Add(ax, ax), tl)));
-        const auto horiz = hn::RebindMask(di, hn::Gt(tl, ay));
-        const auto plus = hn::Not(hn::Lt(hn::Xor(gx, gy), hn::Zero(di)));
-        const auto diag = hn::IfThenElse(plus, hn::Set(di, zeb::canny::kDiagPlus), hn::Set(di, zeb::canny::kDiagMinus));
-        const auto c = hn::IfThenElse(vert, hn::Set(di, zeb::canny::kVert),
-                                      hn::IfThenElse(horiz, hn::Set(di, zeb::canny::kHoriz), diag));
-        hn::StoreU(hn::DemoteTo(d8, c), d8, code + x);
+        finish(hn::PromoteTo(di, hn::LowerHalf(dh, gx)), hn::PromoteTo(di, hn::LowerHalf(dh, gy)), x);
+        finish(hn::PromoteTo(di, hn::UpperHalf(dh, gx)), hn::PromoteTo(di, hn::UpperHalf(dh, gy)), x + kN);
     }
     for (; x < w; ++x) {
         int32_t gx, gy;
