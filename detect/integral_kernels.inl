@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+// Integral-image kernels, compiled once per vector target. Upright rows
+// carry a running row sum across the lanes of each vector (an in-vector
+// prefix sum plus the carry of the blocks before) and add the row above;
+// tilted rows need no running sum: every entry depends on the two rows
+// above only, so whole vectors are read at neighbouring columns.
+#if defined(ZEB_DETECT_INTEGRAL_KERNELS_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZEB_DETECT_INTEGRAL_KERNELS_
+#undef ZEB_DETECT_INTEGRAL_KERNELS_
+#else
+#define ZEB_DETECT_INTEGRAL_KERNELS_
+#endif
+
+#include <algorithm>
+#include <type_traits>
+
+#include "core/frame.h"
+#include "core/simd-inl.h"
+#include "detect/integral_ref.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zeb::HWY_NAMESPACE::integral {
+
+// Pixel values of an 8-bit row as 32-bit lanes of du, squared when kSq
+// (255 * 255 fits a 16-bit lane, so the square is taken there).
+template <bool kSq, class DU>
+HWY_INLINE hn::Vec<DU> LoadPixels(DU du, const uint8_t* HWY_RESTRICT p) {
+    const hn::Rebind<uint8_t, DU> d8;
+    const hn::Rebind<uint16_t, DU> d16;
+    auto v = hn::PromoteTo(d16, hn::LoadU(d8, p));
+    if constexpr (kSq) v = hn::Mul(v, v);
+    return hn::PromoteTo(du, v);
+}
+
+// Inclusive prefix sum over the 32-bit lanes of v, wrapping: lane i holds
+// v[0] + ... + v[i]. Shifts within each 16-byte block, then the block
+// totals are carried into the blocks above.
+template <class DU>
+HWY_INLINE hn::Vec<DU> PrefixSum(DU du, hn::Vec<DU> v) {
+    constexpr size_t kN = hn::MaxLanes(DU());
+    if constexpr (kN >= 2) v = hn::Add(v, hn::ShiftLeftLanes<1>(du, v));
+    if constexpr (kN >= 4) v = hn::Add(v, hn::ShiftLeftLanes<2>(du, v));
+    if constexpr (kN > 4) {
+        const auto zero = hn::Zero(du);
+        auto carry = BlockBefore(du, hn::Broadcast<3>(v), zero);  // the total of the block below
+        if constexpr (kN > 8) {
+            carry = hn::Add(carry, BlockBefore(du, carry, zero));
+            carry = hn::Add(carry, BlockBefore(du, BlockBefore(du, carry, zero), zero));
+        }
+        v = hn::Add(v, carry);
+    }
+    return v;
+}
+
+// One upright row: out[x] = above[x] + s(x), s(x) the sum of the first
+// x + 1 pixel values (squares when kSq). O is uint32_t (wrapping), float
+// (float(int32(s)) + above) or double (exact s + above).
+template <bool kSq, class O>
+HWY_INLINE void UprightRow(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_RESTRICT above,
+                           O* HWY_RESTRICT out) {
+    const Vd<O> d;
+    const hn::Rebind<uint32_t, Vd<O>> du;
+    constexpr int kN = int(hn::MaxLanes(d));
+    uint32_t lanes[kN];
+    for (int i = 0; i < kN; ++i) lanes[i] = uint32_t(kN - 1);
+    const auto last = hn::SetTableIndices(du, lanes);  // every lane takes the last one
+    int x = 0;
+    if constexpr (std::is_same_v<O, double>) {
+        const hn::Rebind<int32_t, Vd<O>> di;
+        auto carry = hn::Zero(d);
+        for (; x + kN <= w; x += kN) {
+            const auto p = PrefixSum(du, LoadPixels<kSq>(du, src + x));
+            const auto s = hn::Add(carry, hn::PromoteTo(d, hn::BitCast(di, p)));
+            hn::StoreU(hn::Add(hn::LoadU(d, above + x), s), d, out + x);
+            carry = hn::Add(carry, hn::PromoteTo(d, hn::BitCast(di, hn::TableLookupLanes(p, last))));
+        }
+        double s = hn::GetLane(carry);
+        for (; x < w; ++x) {
+            s += double(ref::pixel<kSq>(src[x]));
+            out[x] = above[x] + s;
+        }
+    } else {
+        auto carry = hn::Zero(du);
+        for (; x + kN <= w; x += kN) {
+            const auto s = hn::Add(carry, PrefixSum(du, LoadPixels<kSq>(du, src + x)));
+            if constexpr (std::is_same_v<O, float>) {
+                const hn::Rebind<int32_t, Vd<O>> di;
+                hn::StoreU(hn::Add(hn::LoadU(d, above + x), hn::ConvertTo(d, hn::BitCast(di, s))), d, out + x);
+            } else {
+                hn::StoreU(hn::Add(hn::LoadU(d, above + x), s), d, out + x);
+            }
+            carry = hn::TableLookupLanes(s, last);
+        }
+        uint32_t s = hn::GetLane(carry);
+        for (; x < w; ++x) {
+            s += ref::pixel<kSq>(src[x]);
+            out[x] = ref::add_row_sum(above[x], s);
+        }
+    }
+}
+
+// The whole upright table of an 8-bit source: row 0 and column 0 hold val.
+template <bool kSq, class O>
+void upright(const uint8_t* src, int ss, O* dst, int ds, int w, int h, O val) {
+    std::fill(dst, dst + w + 1, val);
+    for (int y = 0; y < h; ++y) {
+        O* cur = row(dst, ds, y + 1);
+        cur[0] = val;
+        UprightRow<kSq>(row(src, ss, y), w, row(dst, ds, y) + 1, cur + 1);
+    }
+}
+
+// The two source values of a tilted entry, S(X-1) + S(X) (or their
+// squares), as lanes of the table type.
+template <bool kSq, class D>
+HWY_INLINE hn::Vec<D> PixelPair(D d, const uint8_t* HWY_RESTRICT p) {
+    using O = hn::TFromD<D>;
+    const hn::Rebind<uint32_t, D> du;
+    const auto pair = hn::Add(LoadPixels<kSq>(du, p), LoadPixels<kSq>(du, p + 1));
+    if constexpr (std::is_same_v<O, uint32_t>) {
+        return pair;
+    } else if constexpr (std::is_same_v<O, float>) {
+        return hn::ConvertTo(d, hn::BitCast(hn::Rebind<int32_t, D>(), pair));
+    } else {
+        return hn::PromoteTo(d, hn::BitCast(hn::Rebind<int32_t, D>(), pair));
+    }
+}
+
+// Row y + 2 of a tilted table from the source row and table rows y + 1
+// (r1) and y (r0).
+template <bool kSq, class O>
+HWY_INLINE void TiltedRow(const uint8_t* HWY_RESTRICT s, int w, const O* HWY_RESTRICT r1, const O* HWY_RESTRICT r0,
+                          O* HWY_RESTRICT out) {
+    const Vd<O> d;
+    constexpr int kN = int(hn::MaxLanes(d));
+    out[0] = r1[1];
+    int X = 1;
+    for (; X + kN <= w; X += kN) {
+        const auto pair = PixelPair<kSq>(d, s + X - 1);
+        const auto v = hn::Sub(hn::Add(hn::Add(pair, hn::LoadU(d, r1 + X - 1)), hn::LoadU(d, r1 + X + 1)),
+                               hn::LoadU(d, r0 + X));
+        hn::StoreU(v, d, out + X);
+    }
+    for (; X < w; ++X)
+        out[X] = ref::tilted_entry<O>(ref::pixel<kSq>(s[X - 1]) + ref::pixel<kSq>(s[X]), r1[X - 1], r1[X + 1], r0[X]);
+    out[w] = ref::tilted_entry<O>(ref::pixel<kSq>(s[w - 1]), r1[w - 1], r1[w + 1], r0[w]);
+    out[w + 1] = r1[w];
+}
+
+template <bool kSq, class O>
+void tilted(const uint8_t* src, int ss, O* dst, int ds, int w, int h, O val) {
+    std::fill(dst, dst + w + 2, val);
+    std::fill(row(dst, ds, 1), row(dst, ds, 1) + w + 2, val);
+    for (int y = 0; y < h; ++y)
+        TiltedRow<kSq>(row(src, ss, y), w, row(dst, ds, y + 1), row(dst, ds, y), row(dst, ds, y + 2));
+}
+
+}  // namespace zeb::HWY_NAMESPACE::integral
+HWY_AFTER_NAMESPACE();
+
+#endif  // ZEB_DETECT_INTEGRAL_KERNELS_
