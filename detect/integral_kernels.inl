@@ -12,6 +12,7 @@
 #endif
 
 #include <algorithm>
+#include <cstdint>
 #include <type_traits>
 
 #include "core/frame.h"
@@ -26,10 +27,13 @@ namespace zeb::HWY_NAMESPACE::integral {
 template <bool kSq, class DU>
 HWY_INLINE hn::Vec<DU> LoadPixels(DU du, const uint8_t* HWY_RESTRICT p) {
     const hn::Rebind<uint8_t, DU> d8;
-    const hn::Rebind<uint16_t, DU> d16;
-    auto v = hn::PromoteTo(d16, hn::LoadU(d8, p));
-    if constexpr (kSq) v = hn::Mul(v, v);
-    return hn::PromoteTo(du, v);
+    if constexpr (!kSq) {
+        return hn::PromoteTo(du, hn::LoadU(d8, p));
+    } else {
+        const hn::Rebind<uint16_t, DU> d16;
+        const auto v = hn::PromoteTo(d16, hn::LoadU(d8, p));
+        return hn::PromoteTo(du, hn::Mul(v, v));
+    }
 }
 
 // Inclusive prefix sum over the 32-bit lanes of v, wrapping: lane i holds
@@ -42,11 +46,18 @@ HWY_INLINE hn::Vec<DU> PrefixSum(DU du, hn::Vec<DU> v) {
     if constexpr (kN >= 4) v = hn::Add(v, hn::ShiftLeftLanes<2>(du, v));
     if constexpr (kN > 4) {
         const auto zero = hn::Zero(du);
-        auto carry = BlockBefore(du, hn::Broadcast<3>(v), zero);  // the total of the block below
+        const auto totals = hn::Broadcast<3>(v);  // each block's total in all its lanes
+        auto carry = BlockBefore(du, totals, zero);  // the total of the block below
+#if HWY_TARGET == HWY_AVX3
         if constexpr (kN > 8) {
-            carry = hn::Add(carry, BlockBefore(du, carry, zero));
-            carry = hn::Add(carry, BlockBefore(du, BlockBefore(du, carry, zero), zero));
+            // Totals two and three blocks below, shifted in independently.
+            const hn::Repartition<uint64_t, DU> d64;
+            using V64 = hn::Vec<decltype(d64)>;
+            const auto t64 = hn::BitCast(d64, totals).raw, z64 = hn::BitCast(d64, zero).raw;
+            carry = hn::Add(carry, hn::BitCast(du, V64{_mm512_alignr_epi64(t64, z64, 4)}));
+            carry = hn::Add(carry, hn::BitCast(du, V64{_mm512_alignr_epi64(t64, z64, 2)}));
         }
+#endif
         v = hn::Add(v, carry);
     }
     return v;
@@ -54,7 +65,10 @@ HWY_INLINE hn::Vec<DU> PrefixSum(DU du, hn::Vec<DU> v) {
 
 // One upright row: out[x] = above[x] + s(x), s(x) the sum of the first
 // x + 1 pixel values (squares when kSq). O is uint32_t (wrapping), float
-// (float(int32(s)) + above) or double (exact s + above).
+// (float(int32(s)) + above) or double (exact s + above). A scalar head
+// brings the output to a vector boundary, so that the body's stores are
+// aligned; the carry into the next block adds the block's total, taken off
+// the chain of the running sum.
 template <bool kSq, class O>
 HWY_INLINE void UprightRow(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_RESTRICT above,
                            O* HWY_RESTRICT out) {
@@ -64,34 +78,48 @@ HWY_INLINE void UprightRow(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_
     uint32_t lanes[kN];
     for (int i = 0; i < kN; ++i) lanes[i] = uint32_t(kN - 1);
     const auto last = hn::SetTableIndices(du, lanes);  // every lane takes the last one
+    const auto addr = reinterpret_cast<std::uintptr_t>(out);
+    constexpr std::uintptr_t kAlign = kN * sizeof(O);
+    const int head = addr % sizeof(O) ? w : std::min(w, int((kAlign - addr % kAlign) % kAlign / sizeof(O)));
     int x = 0;
     if constexpr (std::is_same_v<O, double>) {
+        double s = 0;
+        for (; x < head; ++x) {
+            s += double(ref::pixel<kSq>(src[x]));
+            out[x] = above[x] + s;
+        }
         const hn::Rebind<int32_t, Vd<O>> di;
-        auto carry = hn::Zero(d);
+        auto carry = hn::Set(d, s);
         for (; x + kN <= w; x += kN) {
             const auto p = PrefixSum(du, LoadPixels<kSq>(du, src + x));
-            const auto s = hn::Add(carry, hn::PromoteTo(d, hn::BitCast(di, p)));
-            hn::StoreU(hn::Add(hn::LoadU(d, above + x), s), d, out + x);
+            hn::Store(hn::Add(hn::LoadU(d, above + x), hn::Add(carry, hn::PromoteTo(d, hn::BitCast(di, p)))), d,
+                      out + x);
             carry = hn::Add(carry, hn::PromoteTo(d, hn::BitCast(di, hn::TableLookupLanes(p, last))));
         }
-        double s = hn::GetLane(carry);
+        s = hn::GetLane(carry);
         for (; x < w; ++x) {
             s += double(ref::pixel<kSq>(src[x]));
             out[x] = above[x] + s;
         }
     } else {
-        auto carry = hn::Zero(du);
+        uint32_t s = 0;
+        for (; x < head; ++x) {
+            s += ref::pixel<kSq>(src[x]);
+            out[x] = ref::add_row_sum(above[x], s);
+        }
+        auto carry = hn::Set(du, s);
         for (; x + kN <= w; x += kN) {
-            const auto s = hn::Add(carry, PrefixSum(du, LoadPixels<kSq>(du, src + x)));
+            const auto p = PrefixSum(du, LoadPixels<kSq>(du, src + x));
+            const auto sum = hn::Add(carry, p);
             if constexpr (std::is_same_v<O, float>) {
                 const hn::Rebind<int32_t, Vd<O>> di;
-                hn::StoreU(hn::Add(hn::LoadU(d, above + x), hn::ConvertTo(d, hn::BitCast(di, s))), d, out + x);
+                hn::Store(hn::Add(hn::LoadU(d, above + x), hn::ConvertTo(d, hn::BitCast(di, sum))), d, out + x);
             } else {
-                hn::StoreU(hn::Add(hn::LoadU(d, above + x), s), d, out + x);
+                hn::Store(hn::Add(hn::LoadU(d, above + x), sum), d, out + x);
             }
-            carry = hn::TableLookupLanes(s, last);
+            carry = hn::Add(carry, hn::TableLookupLanes(p, last));
         }
-        uint32_t s = hn::GetLane(carry);
+        s = hn::GetLane(carry);
         for (; x < w; ++x) {
             s += ref::pixel<kSq>(src[x]);
             out[x] = ref::add_row_sum(above[x], s);
