@@ -63,6 +63,66 @@ HWY_INLINE hn::Vec<DU> PrefixSum(DU du, hn::Vec<DU> v) {
     return v;
 }
 
+// above + s for the lanes of an upright row: wrapping integers, or the
+// 32-bit sums converted to float.
+template <class D, class VU>
+HWY_INLINE void StoreRowSums(D d, const hn::TFromD<D>* HWY_RESTRICT above, VU s, hn::TFromD<D>* HWY_RESTRICT out) {
+    if constexpr (std::is_same_v<hn::TFromD<D>, float>) {
+        const hn::RebindToSigned<D> di;
+        hn::Store(hn::Add(hn::LoadU(d, above), hn::ConvertTo(d, hn::BitCast(di, s))), d, out);
+    } else {
+        hn::Store(hn::Add(hn::LoadU(d, above), s), d, out);
+    }
+}
+
+// Upright rows of plain pixel values. Sixteen values (eight on 16-byte
+// vectors) are summed in 16-bit lanes, where a prefix sum over a 16-byte
+// block takes three shifts and holds eight values; each block is then
+// widened into one 32-bit vector, so no prefix step crosses a block. The
+// carries (block totals) are added off the chain of the running sum. Out
+// reaches a vector boundary after a scalar head.
+template <class O>
+HWY_INLINE void PlainRowSums(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_RESTRICT above,
+                             O* HWY_RESTRICT out) {
+    const hn::CappedTag<O, 8> d;  // one block of 16-bit values per vector
+    const hn::RebindToUnsigned<decltype(d)> du;
+    const hn::Repartition<uint16_t, decltype(du)> d16;
+    const hn::Half<decltype(d16)> dh;
+    const hn::Rebind<uint8_t, decltype(d16)> d8;
+    constexpr int kN = int(hn::MaxLanes(du)), kStep = 2 * kN;
+    uint32_t lanes[kN];
+    for (int i = 0; i < kN; ++i) lanes[i] = uint32_t(kN - 1);
+    const auto last = hn::SetTableIndices(du, lanes);
+    const auto addr = reinterpret_cast<std::uintptr_t>(out);
+    constexpr std::uintptr_t kAlign = kN * sizeof(O);
+    const int head = addr % sizeof(O) ? w : std::min(w, int((kAlign - addr % kAlign) % kAlign / sizeof(O)));
+    int x = 0;
+    uint32_t s = 0;
+    for (; x < head; ++x) {
+        s += src[x];
+        out[x] = ref::add_row_sum(above[x], s);
+    }
+    auto carry = hn::Set(du, s);
+    for (; x + kStep <= w; x += kStep) {
+        auto p = hn::PromoteTo(d16, hn::LoadU(d8, src + x));
+        p = hn::Add(p, hn::ShiftLeftLanes<1>(d16, p));
+        p = hn::Add(p, hn::ShiftLeftLanes<2>(d16, p));
+        p = hn::Add(p, hn::ShiftLeftLanes<4>(d16, p));
+        const auto lo = hn::PromoteTo(du, hn::LowerHalf(dh, p));
+        auto hi = hn::PromoteTo(du, hn::UpperHalf(dh, p));
+        const auto loTotal = hn::TableLookupLanes(lo, last);
+        if constexpr (kN == 8) hi = hn::Add(hi, loTotal);  // two blocks: the upper one starts after the lower
+        StoreRowSums(d, above + x, hn::Add(carry, lo), out + x);
+        StoreRowSums(d, above + x + kN, hn::Add(carry, hi), out + x + kN);
+        carry = hn::Add(carry, hn::TableLookupLanes(hi, last));
+    }
+    s = hn::GetLane(carry);
+    for (; x < w; ++x) {
+        s += src[x];
+        out[x] = ref::add_row_sum(above[x], s);
+    }
+}
+
 // One upright row: out[x] = above[x] + s(x), s(x) the sum of the first
 // x + 1 pixel values (squares when kSq). O is uint32_t (wrapping), float
 // (float(int32(s)) + above) or double (exact s + above). A scalar head
@@ -72,6 +132,10 @@ HWY_INLINE hn::Vec<DU> PrefixSum(DU du, hn::Vec<DU> v) {
 template <bool kSq, class O>
 HWY_INLINE void UprightRow(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_RESTRICT above,
                            O* HWY_RESTRICT out) {
+    if constexpr (!kSq && !std::is_same_v<O, double>) {
+        PlainRowSums(src, w, above, out);
+        return;
+    }
     const Vd<O> d;
     const hn::Rebind<uint32_t, Vd<O>> du;
     constexpr int kN = int(hn::MaxLanes(d));
@@ -110,13 +174,7 @@ HWY_INLINE void UprightRow(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_
         auto carry = hn::Set(du, s);
         for (; x + kN <= w; x += kN) {
             const auto p = PrefixSum(du, LoadPixels<kSq>(du, src + x));
-            const auto sum = hn::Add(carry, p);
-            if constexpr (std::is_same_v<O, float>) {
-                const hn::Rebind<int32_t, Vd<O>> di;
-                hn::Store(hn::Add(hn::LoadU(d, above + x), hn::ConvertTo(d, hn::BitCast(di, sum))), d, out + x);
-            } else {
-                hn::Store(hn::Add(hn::LoadU(d, above + x), sum), d, out + x);
-            }
+            StoreRowSums(d, above + x, hn::Add(carry, p), out + x);
             carry = hn::Add(carry, hn::TableLookupLanes(p, last));
         }
         s = hn::GetLane(carry);
