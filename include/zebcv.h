@@ -17,5 +17,6 @@
 #include "zebcv/stats.h"
 #include "zebcv/filter.h"
 #include "zebcv/feature.h"
+#include "zebcv/detect.h"
 
 #endif /* ZEBCV_H */
