@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: Apache-2.0
+// Dilation, erosion and min/max filters: every member against the scalar
+// definition (every mask class, both border modes, odd widths and steps),
+// against OpenCV's dilate/erode on generated data and photographs, the
+// older interface and the filters' mask cropping, and the argument checks.
+#include <gtest/gtest.h>
+
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "check_table.h"
+#include "harness.h"
+#include "morph/morph_ref.h"
+
+// One line per state-based member: export, pixel type, channels, dilation?,
+// size query and preparation of its state.
+#define ZT_BORDER_MEMBERS(X)                         \
+    X(zebiDilateBorder_8u_C1R, Zeb8u, 1, true, zebiMorphologyBorderGetSize_8u_C1R, zebiMorphologyBorderInit_8u_C1R)      \
+    X(zebiDilateBorder_8u_C3R, Zeb8u, 3, true, zebiMorphologyBorderGetSize_8u_C3R, zebiMorphologyBorderInit_8u_C3R)      \
+    X(zebiDilateBorder_8u_C4R, Zeb8u, 4, true, zebiMorphologyBorderGetSize_8u_C4R, zebiMorphologyBorderInit_8u_C4R)      \
+    X(zebiDilateBorder_16u_C1R, Zeb16u, 1, true, zebiMorphologyBorderGetSize_16u_C1R, zebiMorphologyBorderInit_16u_C1R)    \
+    X(zebiDilateBorder_16s_C1R, Zeb16s, 1, true, zebiMorphologyBorderGetSize_16s_C1R, zebiMorphologyBorderInit_16s_C1R)    \
+    X(zebiDilateBorder_32f_C1R, Zeb32f, 1, true, zebiMorphologyBorderGetSize_32f_C1R, zebiMorphologyBorderInit_32f_C1R)    \
+    X(zebiDilateBorder_32f_C3R, Zeb32f, 3, true, zebiMorphologyBorderGetSize_32f_C3R, zebiMorphologyBorderInit_32f_C3R)    \
+    X(zebiDilateBorder_32f_C4R, Zeb32f, 4, true, zebiMorphologyBorderGetSize_32f_C4R, zebiMorphologyBorderInit_32f_C4R)    \
+    X(zebiErodeBorder_8u_C1R, Zeb8u, 1, false, zebiMorphologyBorderGetSize_8u_C1R, zebiMorphologyBorderInit_8u_C1R)      \
+    X(zebiErodeBorder_8u_C3R, Zeb8u, 3, false, zebiMorphologyBorderGetSize_8u_C3R, zebiMorphologyBorderInit_8u_C3R)      \
+    X(zebiErodeBorder_8u_C4R, Zeb8u, 4, false, zebiMorphologyBorderGetSize_8u_C4R, zebiMorphologyBorderInit_8u_C4R)      \
+    X(zebiErodeBorder_16u_C1R, Zeb16u, 1, false, zebiMorphologyBorderGetSize_16u_C1R, zebiMorphologyBorderInit_16u_C1R)    \
+    X(zebiErodeBorder_16s_C1R, Zeb16s, 1, false, zebiMorphologyBorderGetSize_16s_C1R, zebiMorphologyBorderInit_16s_C1R)    \
+    X(zebiErodeBorder_32f_C1R, Zeb32f, 1, false, zebiMorphologyBorderGetSize_32f_C1R, zebiMorphologyBorderInit_32f_C1R)    \
+    X(zebiErodeBorder_32f_C3R, Zeb32f, 3, false, zebiMorphologyBorderGetSize_32f_C3R, zebiMorphologyBorderInit_32f_C3R)    \
+    X(zebiErodeBorder_32f_C4R, Zeb32f, 4, false, zebiMorphologyBorderGetSize_32f_C4R, zebiMorphologyBorderInit_32f_C4R)
+// Older interface: size, in-memory and allocated preparation, dilation, erosion.
+#define ZT_OLDER_MEMBERS(X)                                                                                    \
+    X(zebiMorphologyGetSize_8u_C1R, zebiMorphologyInit_8u_C1R, zebiMorphologyInitAlloc_8u_C1R,                 \
+      zebiDilateBorderReplicate_8u_C1R, zebiErodeBorderReplicate_8u_C1R, Zeb8u, 1)                             \
+    X(zebiMorphologyGetSize_8u_C3R, zebiMorphologyInit_8u_C3R, zebiMorphologyInitAlloc_8u_C3R,                 \
+      zebiDilateBorderReplicate_8u_C3R, zebiErodeBorderReplicate_8u_C3R, Zeb8u, 3)                             \
+    X(zebiMorphologyGetSize_8u_C4R, zebiMorphologyInit_8u_C4R, zebiMorphologyInitAlloc_8u_C4R,                 \
+      zebiDilateBorderReplicate_8u_C4R, zebiErodeBorderReplicate_8u_C4R, Zeb8u, 4)                             \
+    X(zebiMorphologyGetSize_32f_C1R, zebiMorphologyInit_32f_C1R, zebiMorphologyInitAlloc_32f_C1R,              \
+      zebiDilateBorderReplicate_32f_C1R, zebiErodeBorderReplicate_32f_C1R, Zeb32f, 1)                          \
+    X(zebiMorphologyGetSize_32f_C3R, zebiMorphologyInit_32f_C3R, zebiMorphologyInitAlloc_32f_C3R,              \
+      zebiDilateBorderReplicate_32f_C3R, zebiErodeBorderReplicate_32f_C3R, Zeb32f, 3)                          \
+    X(zebiMorphologyGetSize_32f_C4R, zebiMorphologyInit_32f_C4R, zebiMorphologyInitAlloc_32f_C4R,              \
+      zebiDilateBorderReplicate_32f_C4R, zebiErodeBorderReplicate_32f_C4R, Zeb32f, 4)
+// Min/max filters: size query, max filter, min filter.
+#define ZT_FILTER_MEMBERS(X)                                                                                        \
+    X(zebiFilterMaxGetBufferSize_8u_C1R, zebiFilterMinGetBufferSize_8u_C1R, zebiFilterMaxBorderReplicate_8u_C1R,    \
+      zebiFilterMinBorderReplicate_8u_C1R, Zeb8u, 1)                                                               \
+    X(zebiFilterMaxGetBufferSize_8u_C3R, zebiFilterMinGetBufferSize_8u_C3R, zebiFilterMaxBorderReplicate_8u_C3R,    \
+      zebiFilterMinBorderReplicate_8u_C3R, Zeb8u, 3)                                                               \
+    X(zebiFilterMaxGetBufferSize_8u_C4R, zebiFilterMinGetBufferSize_8u_C4R, zebiFilterMaxBorderReplicate_8u_C4R,    \
+      zebiFilterMinBorderReplicate_8u_C4R, Zeb8u, 4)                                                               \
+    X(zebiFilterMaxGetBufferSize_32f_C1R, zebiFilterMinGetBufferSize_32f_C1R, zebiFilterMaxBorderReplicate_32f_C1R, \
+      zebiFilterMinBorderReplicate_32f_C1R, Zeb32f, 1)                                                             \
+    X(zebiFilterMaxGetBufferSize_32f_C3R, zebiFilterMinGetBufferSize_32f_C3R, zebiFilterMaxBorderReplicate_32f_C3R, \
+      zebiFilterMinBorderReplicate_32f_C3R, Zeb32f, 3)                                                             \
+    X(zebiFilterMaxGetBufferSize_32f_C4R, zebiFilterMinGetBufferSize_32f_C4R, zebiFilterMaxBorderReplicate_32f_C4R, \
+      zebiFilterMinBorderReplicate_32f_C4R, Zeb32f, 4)
+
+#define ZT_DECL1(fn, T, ch, mx, gs, in) ZEB_TEST_TABLE(fn); ZEB_TEST_TABLE(gs); ZEB_TEST_TABLE(in);
+#define ZT_DECL5(a, b, c, d, e, ...) ZEB_TEST_TABLE(a); ZEB_TEST_TABLE(b); ZEB_TEST_TABLE(c); ZEB_TEST_TABLE(d); ZEB_TEST_TABLE(e);
+#define ZT_DECL4(a, b, c, d, ...) ZEB_TEST_TABLE(a); ZEB_TEST_TABLE(b); ZEB_TEST_TABLE(c); ZEB_TEST_TABLE(d);
+ZT_BORDER_MEMBERS(ZT_DECL1)
+ZT_OLDER_MEMBERS(ZT_DECL5)
+ZT_FILTER_MEMBERS(ZT_DECL4)
+ZEB_TEST_TABLE(zebiDilateBorder_1u_C1R);
+ZEB_TEST_TABLE(zebiErodeBorder_1u_C1R);
+ZEB_TEST_TABLE(zebiMorphologyBorderGetSize_1u_C1R);
+ZEB_TEST_TABLE(zebiMorphologyBorderInit_1u_C1R);
+ZEB_TEST_TABLE(zebiMorphologyFree);
+
+namespace {
+
+using zt::Image;
+using zt::checks::Arena;
+using zt::checks::Table;
+
+struct Mask {
+    const char* name;
+    int w, h;
+    std::vector<uint8_t> m;
+    ZebiSize size() const { return {w, h}; }
+};
+
+Mask solid(const char* name, int w, int h) { return {name, w, h, std::vector<uint8_t>(std::size_t(w) * h, 1)}; }
+Mask from_cv(const char* name, const cv::Mat& k) {
+    Mask r{name, k.cols, k.rows, {}};
+    for (int y = 0; y < k.rows; ++y)
+        for (int x = 0; x < k.cols; ++x) r.m.push_back(k.at<uint8_t>(y, x) ? uint8_t(7 + x) : 0);
+    return r;
+}
+
+// Every class: rectangles short and long in each direction (direct,
+// doubling and block paths), a rectangle away from the anchor, crosses and
+// ellipses (runs), a scattered mask (general), the empty and 1x1 masks.
+const std::vector<Mask>& masks() {
+    static const std::vector<Mask> all = [] {
+        std::vector<Mask> v = {solid("rect 3x3", 3, 3),   solid("rect 5x1", 5, 1),  solid("rect 1x7", 1, 7),
+                               solid("rect 9x11", 9, 11), solid("rect 17x8", 17, 8), solid("1x1", 1, 1)};
+        Mask off{"rect off the anchor", 6, 5, std::vector<uint8_t>(30, 0)};
+        for (int y = 3; y < 5; ++y)
+            for (int x = 3; x < 6; ++x) off.m[y * 6 + x] = 255;
+        v.push_back(off);
+        v.push_back(from_cv("cross 5x5", cv::getStructuringElement(cv::MORPH_CROSS, {5, 5})));
+        v.push_back(from_cv("ellipse 7x9", cv::getStructuringElement(cv::MORPH_ELLIPSE, {7, 9})));
+        v.push_back(from_cv("ellipse 15x15", cv::getStructuringElement(cv::MORPH_ELLIPSE, {15, 15})));
+        v.push_back(Mask{"scattered 4x3", 4, 3, {1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 1}});
+        v.push_back(Mask{"empty 3x2", 3, 2, std::vector<uint8_t>(6, 0)});
+        return v;
+    }();
+    return all;
+}
+
+// A state and buffer prepared through the query, each exactly its size.
+struct State {
+    zt::Guarded spec, buf;
+    const ZebiMorphState* s() const { return reinterpret_cast<const ZebiMorphState*>(spec.data()); }
+};
+template <class GetSize, class Init>
+State prepare(GetSize gs, Init init, int width, const Mask& m) {
+    int sb = 0, bb = 0;
+    EXPECT_EQ(gs(width, m.size(), &sb, &bb), 0);
+    State st{zt::work_buffer(sb), zt::work_buffer(bb)};
+    EXPECT_EQ(init(width, m.m.data(), m.size(), reinterpret_cast<ZebiMorphState*>(st.spec.data()), st.buf.data()), 0);
+    return st;
+}
+
+template <class T>
+bool same(const Image<T>& a, const Image<T>& b, std::string* where) {
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width() * a.channels(); ++x)
+            if (std::memcmp(&a.row(y)[x], &b.row(y)[x], sizeof(T)) != 0) {
+                *where = "row " + std::to_string(y) + " element " + std::to_string(x);
+                return false;
+            }
+    return true;
+}
+
+// Calls a border member whatever the form of its border value.
+template <class T, int CH, class Fn>
+ZebStatus call_border(Fn fn, const T* s, int ss, T* d, int ds, ZebiSize roi, int bt, const ZebiMorphState* st,
+                      Zeb8u* buf) {
+    static const T bv[4] = {};
+    if constexpr (CH == 1)
+        return fn(s, ss, d, ds, roi, bt, T{}, st, buf);
+    else
+        return fn(s, ss, d, ds, roi, bt, bv, st, buf);
+}
+
+// ---- the definition ----
+
+template <class T, int CH, bool kMax, class Fn, class GetSize, class Init>
+void border_member_matches(const char* name, const Fn* tbl, GetSize gs, Init init) {
+    SCOPED_TRACE(name);
+    const std::vector<std::pair<int, int>> sizes = {{1, 1}, {2, 5}, {7, 3}, {33, 17}, {67, 9}, {130, 4}};
+    int pad = 0;
+    for (const Mask& m : masks())
+        for (auto [w, h] : sizes)
+            for (int mode : {1, 6}) {
+                SCOPED_TRACE(::testing::Message() << m.name << ", " << w << "x" << h << ", border " << mode);
+                const zt::Margin mg = mode == 6 ? zt::Margin{m.w, m.h} : zt::Margin{};
+                const int p = zt::test_pads(sizeof(T))[pad++ % 4];
+                Image<T> src(w, h, CH, p, mg);
+                Image<T> want(w, h, CH);
+                zeb::morph::ref::morph<kMax>(src.ptr(), src.step(), want.ptr(), want.step(), w, h, CH, m.m.data(),
+                                             m.w, m.h, (m.w - 1) / 2, (m.h - 1) / 2, mode == 6);
+                const State st = prepare(gs, init, w + (pad % 3), m);  // states wider than the ROI serve it
+                for (int v = 0; v < 2; ++v) {
+                    Image<T> dst(w, h, CH, zt::test_pads(sizeof(T))[(pad + 1) % 4]);
+                    ASSERT_EQ((call_border<T, CH>(tbl[v], src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h},
+                                                  mode, st.s(), st.buf.data())),
+                              0);
+                    std::string where;
+                    ASSERT_TRUE(same(dst, want, &where)) << "variant " << v << ": " << where;
+                }
+            }
+}
+
+ZT_TARGET_SUITE(DilateErode);
+
+TEST_P(DilateErode, EveryMemberMatchesTheDefinition) {
+#define ZT_RUN(fn, T, ch, mx, gs, in) \
+    border_member_matches<T, ch, mx>(#fn, zeb_tbl_##fn, zeb_tbl_##gs[0], zeb_tbl_##in[0]);
+    ZT_BORDER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+}
+
+}  // namespace
