@@ -66,8 +66,9 @@ struct RectRow {
                 return;
             }
             const int len = W + rw - 1;
-            std::memcpy(tmp, s + std::ptrdiff_t(ox) * ch, sizeof(T) * std::size_t(len) * ch);
-            int d = 1;
+            const T* base = s + std::ptrdiff_t(ox) * ch;
+            k.pair(base, base + ch, tmp, (len - 1) * ch);  // the first doubling reads the row itself
+            int d = 2;
             for (; 2 * d <= rw; d *= 2) k.pair(tmp, tmp + d * ch, tmp, (len - 2 * d + 1) * ch);
             k.pair(tmp, tmp + (rw - d) * ch, out, n);
             return;
@@ -80,8 +81,8 @@ struct RectRow {
                 for (int j = 0; j < rw; ++j) ptrs[j] = s + std::ptrdiff_t(xa + ox + j) * ch;
                 k.list(ptrs, rw, out + std::ptrdiff_t(xa) * ch, m);
             } else {
-                std::memcpy(tmp, s, sizeof(T) * std::size_t(n));
-                int d = 1;
+                k.pair(s, s + ch, tmp, n - ch);
+                int d = 2;
                 for (; 2 * d <= rw; d *= 2) k.pair(tmp, tmp + d * ch, tmp, (W - 2 * d + 1) * ch);
                 k.pair(tmp + std::ptrdiff_t(xa + ox) * ch, tmp + std::ptrdiff_t(xa + ox + rw - d) * ch,
                        out + std::ptrdiff_t(xa) * ch, m);

@@ -11,6 +11,8 @@
 #define ZEB_MORPH_DILATE_ERODE_KERNELS_
 #endif
 
+#include <algorithm>
+
 #include "core/simd-inl.h"
 #include "morph/morph_ref.h"
 
@@ -42,8 +44,28 @@ void pair(const T* a, const T* b, T* out, int n) {
     for (; i < n; ++i) out[i] = zeb::morph::ref::ext<kMax>(a[i], b[i]);
 }
 
+// out[i] = extremum over k < kCnt of p[k][i], i < n, n >= lanes: the
+// pointers stay in registers and the last vector may overlap the one
+// before it (out does not overlap the rows).
+template <int kCnt, class T, bool kMax>
+HWY_INLINE void list_fixed(const T* const* HWY_RESTRICT pp, T* out, int n) {
+    const Vd<T> d;
+    constexpr int N = int(hn::MaxLanes(Vd<T>()));
+    const T* p[kCnt];
+    for (int k = 0; k < kCnt; ++k) p[k] = pp[k];
+    auto at = [&](int i) HWY_ATTR {
+        auto acc = hn::LoadU(d, p[0] + i);
+        for (int k = 1; k < kCnt; ++k) acc = Ext<kMax>(acc, hn::LoadU(d, p[k] + i));
+        hn::StoreU(acc, d, out + i);
+    };
+    int i = 0;
+    for (; i + 2 * N <= n; i += 2 * N) at(i), at(i + N);
+    for (; i + N <= n; i += N) at(i);
+    if (i < n) at(n - N);
+}
+
 // out[i] = extremum over k < cnt of p[k][i], i < n (cnt >= 1). out does not
-// overlap the rows, so the last vector may overlap the one before it.
+// overlap the rows.
 template <class T, bool kMax>
 void list(const T* const* p, int cnt, T* out, int n) {
     const Vd<T> d;
@@ -56,26 +78,32 @@ void list(const T* const* p, int cnt, T* out, int n) {
         }
         return;
     }
-    auto at = [&](int i) HWY_ATTR {
-        auto acc = hn::LoadU(d, p[0] + i);
-        for (int k = 1; k < cnt; ++k) acc = Ext<kMax>(acc, hn::LoadU(d, p[k] + i));
-        hn::StoreU(acc, d, out + i);
-    };
-    if (cnt == 3) {  // the 3-element rows and columns of small rectangles
-        const T *p0 = p[0], *p1 = p[1], *p2 = p[2];
-        auto at3 = [&](int i) HWY_ATTR {
-            const auto v = Ext<kMax>(Ext<kMax>(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i)), hn::LoadU(d, p2 + i));
-            hn::StoreU(v, d, out + i);
-        };
-        int i = 0;
-        for (; i + 2 * N <= n; i += 2 * N) at3(i), at3(i + N);
-        for (; i + N <= n; i += N) at3(i);
-        if (i < n) at3(n - N);
-        return;
+    switch (cnt) {
+        case 1: return list_fixed<1, T, kMax>(p, out, n);
+        case 2: return list_fixed<2, T, kMax>(p, out, n);
+        case 3: return list_fixed<3, T, kMax>(p, out, n);
+        case 4: return list_fixed<4, T, kMax>(p, out, n);
+        case 5: return list_fixed<5, T, kMax>(p, out, n);
+        case 6: return list_fixed<6, T, kMax>(p, out, n);
+        case 7: return list_fixed<7, T, kMax>(p, out, n);
+        case 8: return list_fixed<8, T, kMax>(p, out, n);
+        default: break;
     }
-    int i = 0;
-    for (; i + N <= n; i += N) at(i);
-    if (i < n) at(n - N);
+    // Long lists: the first eight rows, then the rest folded into out.
+    list_fixed<8, T, kMax>(p, out, n);
+    for (int k = 8; k < cnt; k += 7) {
+        const int m = std::min(7, cnt - k);
+        const T* q[8] = {out};
+        for (int j = 0; j < m; ++j) q[j + 1] = p[k + j];
+        for (int j = m; j < 7; ++j) q[j + 1] = out;
+        auto at = [&](int i) HWY_ATTR {
+            auto acc = hn::LoadU(d, q[0] + i);
+            for (int j = 1; j < 8; ++j) acc = Ext<kMax>(acc, hn::LoadU(d, q[j] + i));
+            hn::StoreU(acc, d, out + i);
+        };
+        for (int i = 0; i + N <= n; i += N) at(i);
+        if (n % N) at(n - N);
+    }
 }
 
 // One step of the block running extremum: with p = prev[i], s = suf[i],
