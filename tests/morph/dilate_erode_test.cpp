@@ -188,4 +188,167 @@ TEST_P(DilateErode, EveryMemberMatchesTheDefinition) {
 #undef ZT_RUN
 }
 
+
+// ---- 1-bit images ----
+
+// The definition on packed rows: pixel (x, y) is bit 7 - x % 8 of byte x / 8.
+int bit_at(const uint8_t* base, int step, int x, int y) {
+    const uint8_t* r = base + std::ptrdiff_t(y) * step;
+    return (r[x >> 3] >> (7 - (x & 7))) & 1;
+}
+
+TEST_P(DilateErode, OneBitFormsFollowTheDefinitionAndKeepTrailingBits) {
+    for (const Mask& m : masks())
+        for (auto [w, h] : std::vector<std::pair<int, int>>{{1, 3}, {7, 2}, {9, 5}, {33, 17}, {70, 6}})
+            for (int mode : {1, 6})
+                for (bool dilate : {true, false}) {
+                    SCOPED_TRACE(::testing::Message() << m.name << ", " << w << "x" << h << ", border " << mode
+                                                      << (dilate ? ", dilate" : ", erode"));
+                    const int bytes = (w + 7) / 8, ax = (m.w - 1) / 2, ay = (m.h - 1) / 2;
+                    const zt::Margin mg = mode == 6 ? zt::Margin{(m.w + 7) / 8 + 1, m.h} : zt::Margin{};
+                    Image<Zeb8u> src(bytes, h, 1, 3, mg);
+                    const State st =
+                        prepare(zeb_tbl_zebiMorphologyBorderGetSize_1u_C1R[0], zeb_tbl_zebiMorphologyBorderInit_1u_C1R[0], w, m);
+                    bool any = false;
+                    for (uint8_t b : m.m) any |= b != 0;
+                    for (int v = 0; v < 2; ++v) {
+                        Image<Zeb8u> dst(bytes, h, 1, 1);
+                        const Image<Zeb8u> before = zt::image_of<Zeb8u>(dst.mat().clone());
+                        auto fn = dilate ? zeb_tbl_zebiDilateBorder_1u_C1R[v] : zeb_tbl_zebiErodeBorder_1u_C1R[v];
+                        ASSERT_EQ(fn(src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, mode, 0, st.s(), st.buf.data()), 0);
+                        for (int y = 0; y < h; ++y)
+                            for (int x = 0; x < bytes * 8; ++x) {
+                                int want = x < w ? (dilate ? 0 : 1) : bit_at(before.ptr(), before.step(), x, y);
+                                if (x < w && !any) want = bit_at(src.ptr(), src.step(), x, y);
+                                for (int i = 0; x < w && i < m.h; ++i)
+                                    for (int j = 0; j < m.w; ++j) {
+                                        if (!m.m[i * m.w + j]) continue;
+                                        int sx = x - ax + j, sy = y - ay + i;
+                                        if (mode == 1) sx = std::clamp(sx, 0, w - 1), sy = std::clamp(sy, 0, h - 1);
+                                        const int b = bit_at(src.ptr(), src.step(), sx, sy);
+                                        want = dilate ? std::max(want, b) : std::min(want, b);
+                                    }
+                                ASSERT_EQ(bit_at(dst.ptr(), dst.step(), x, y), want) << "variant " << v << " at " << x << "," << y;
+                            }
+                    }
+                }
+}
+
+// ---- older interface ----
+
+template <class T, int CH, class GS, class In, class IA, class Dil, class Ero>
+void older_member(const char* name, GS gs, In init, IA initAlloc, const Dil* dil, const Ero* ero) {
+    SCOPED_TRACE(name);
+    const int w = 37, h = 13;
+    Image<T> src(w, h, CH, zt::test_pads(sizeof(T))[1]);
+    for (const Mask& m : masks())
+        for (ZebiPoint a : {ZebiPoint{0, 0}, ZebiPoint{m.w - 1, m.h - 1}, ZebiPoint{m.w / 3, m.h - 1 - m.h / 3}}) {
+            SCOPED_TRACE(::testing::Message() << m.name << ", anchor " << a.x << "," << a.y);
+            int bytes = 0;
+            ASSERT_EQ(gs(w + 3, m.m.data(), m.size(), &bytes), 0);
+            zt::Guarded mem = zt::work_buffer(bytes);
+            auto* inMem = reinterpret_cast<ZebiMorphState*>(mem.data());
+            ASSERT_EQ(init(w + 3, m.m.data(), m.size(), a, inMem), 0);
+            ZebiMorphState* alloc = nullptr;
+            ASSERT_EQ(initAlloc(w + 3, m.m.data(), m.size(), a, &alloc), 0);
+            for (bool dilate : {true, false}) {
+                Image<T> want(w, h, CH);
+                if (dilate)
+                    zeb::morph::ref::morph<true>(src.ptr(), src.step(), want.ptr(), want.step(), w, h, CH, m.m.data(), m.w,
+                                                 m.h, a.x, a.y, false);
+                else
+                    zeb::morph::ref::morph<false>(src.ptr(), src.step(), want.ptr(), want.step(), w, h, CH, m.m.data(),
+                                                  m.w, m.h, a.x, a.y, false);
+                for (int v = 0; v < 2; ++v)
+                    for (ZebiMorphState* st : {inMem, alloc}) {
+                        Image<T> dst(w, h, CH);
+                        const ZebStatus r = dilate ? dil[v](src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, 1, st)
+                                                   : ero[v](src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, 1, st);
+                        ASSERT_EQ(r, 0);
+                        std::string where;
+                        ASSERT_TRUE(same(dst, want, &where)) << "variant " << v << ": " << where;
+                    }
+            }
+            // The state serves ROIs up to its width, not wider.
+            Image<T> wide(w + 4, h, CH), out(w + 4, h, CH);
+            EXPECT_EQ(dil[0](wide.ptr(), wide.step(), out.ptr(), out.step(), {w + 3, h}, 1, alloc), 0);
+            EXPECT_EQ(dil[0](wide.ptr(), wide.step(), out.ptr(), out.step(), {w + 4, h}, 1, alloc), zebStsBadArgErr);
+            EXPECT_EQ(zeb_tbl_zebiMorphologyFree[0](alloc), 0);
+        }
+    EXPECT_EQ(zeb_tbl_zebiMorphologyFree[1](nullptr), zebStsNullPtrErr);
+}
+
+TEST_P(DilateErode, OlderInterfaceTakesAnyAnchor) {
+#define ZT_RUN(gs, in, ia, dil, ero, T, ch) \
+    older_member<T, ch>(#dil, zeb_tbl_##gs[0], zeb_tbl_##in[0], zeb_tbl_##ia[0], zeb_tbl_##dil, zeb_tbl_##ero);
+    ZT_OLDER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+}
+
+// ---- min/max filters ----
+
+template <class T, int CH, class GS, class Fn>
+void filter_member(const char* name, GS gsMax, GS gsMin, const Fn* fmax, const Fn* fmin) {
+    SCOPED_TRACE(name);
+    struct C {
+        int w, h, mw, mh, ax, ay;
+    };
+    // Anchors inside, at the far corner and beyond the image; masks wider
+    // and taller than the image.
+    const C cases[] = {{33, 9, 3, 3, 1, 1},  {67, 20, 5, 5, 2, 2},  {40, 30, 15, 13, 7, 6}, {19, 23, 31, 2, 30, 0},
+                       {5, 4, 9, 1, 8, 0},   {3, 7, 12, 11, 1, 10}, {130, 3, 1, 17, 0, 16}, {1, 1, 4, 4, 2, 1},
+                       {70, 40, 20, 20, 3, 17}};
+    for (const C& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.w << "x" << c.h << " mask " << c.mw << "x" << c.mh << " anchor " << c.ax
+                                          << "," << c.ay);
+        Image<T> src(c.w, c.h, CH, zt::test_pads(sizeof(T))[2]);
+        const std::vector<uint8_t> ones(std::size_t(c.mw) * c.mh, 1);
+        int bmax = 0, bmin = 0;
+        ASSERT_EQ(gsMax(c.w, {c.mw, c.mh}, &bmax), 0);
+        ASSERT_EQ(gsMin(c.w, {c.mw, c.mh}, &bmin), 0);
+        ASSERT_EQ(bmax, bmin);
+        for (bool isMax : {true, false}) {
+            Image<T> want(c.w, c.h, CH);
+            if (isMax)
+                zeb::morph::ref::morph<true>(src.ptr(), src.step(), want.ptr(), want.step(), c.w, c.h, CH, ones.data(),
+                                             c.mw, c.mh, c.ax, c.ay, false);
+            else
+                zeb::morph::ref::morph<false>(src.ptr(), src.step(), want.ptr(), want.step(), c.w, c.h, CH, ones.data(),
+                                              c.mw, c.mh, c.ax, c.ay, false);
+            for (int v = 0; v < 2; ++v) {
+                zt::Guarded buf = zt::work_buffer(bmax);
+                Image<T> dst(c.w, c.h, CH, zt::test_pads(sizeof(T))[3]);
+                ASSERT_EQ((isMax ? fmax : fmin)[v](src.ptr(), src.step(), dst.ptr(), dst.step(), {c.w, c.h}, {c.mw, c.mh},
+                                                   {c.ax, c.ay}, buf.data()),
+                          0);
+                std::string where;
+                ASSERT_TRUE(same(dst, want, &where)) << "variant " << v << ": " << where;
+            }
+        }
+    }
+}
+
+TEST_P(DilateErode, FiltersCropTheMaskToWhatReplicationReaches) {
+#define ZT_RUN(gmax, gmin, fmax, fmin, T, ch) \
+    filter_member<T, ch>(#fmax, zeb_tbl_##gmax[0], zeb_tbl_##gmin[0], zeb_tbl_##fmax, zeb_tbl_##fmin);
+    ZT_FILTER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+}
+
+// The sizes the queries must give for 8u one channel, worked by hand.
+TEST(MorphSizes, EightBitOneChannelFormulas) {
+    int n = 0, spec = 0, buf = 0;
+    EXPECT_EQ(zebiFilterMaxGetBufferSize_8u_C1R(100, {3, 5}, &n), 0);
+    EXPECT_EQ(n, 32 * 5 + 2 * 5 * 132 + 32);
+    EXPECT_EQ(zebiFilterMinGetBufferSize_32f_C1R(100, {3, 5}, &n), 0);
+    EXPECT_EQ(n, 32 * 5 + 2 * 5 * 432 + 32);
+    // 3x5 mask, width 100: R16(15) = 16, tables R16(120) + 16 + R16(144) = 288.
+    EXPECT_EQ(zebiMorphologyBorderGetSize_8u_C1R(100, {3, 5}, &spec, &buf), 0);
+    EXPECT_EQ(spec - buf, 33 * 16 + 16 * 5 + 160);
+    const std::vector<uint8_t> mask(15, 1);
+    EXPECT_EQ(zebiMorphologyGetSize_8u_C1R(100, mask.data(), {3, 5}, &n), 0);
+    EXPECT_EQ(n, 16 * 5 + 160 + 33 * 16 + (32 * 5 + 2 * 5 * 132 + 32) + 288);
+    EXPECT_EQ(zebiMorphologyBorderGetSize_8u_C1R(1 << 30, {3, 5}, &spec, &buf), zebStsSizeErr);
+}
+
 }  // namespace
