@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <opencv2/imgproc.hpp>
+#include <array>
 #include <vector>
 
 #include "check_table.h"
@@ -349,6 +350,110 @@ TEST(MorphSizes, EightBitOneChannelFormulas) {
     EXPECT_EQ(zebiMorphologyGetSize_8u_C1R(100, mask.data(), {3, 5}, &n), 0);
     EXPECT_EQ(n, 16 * 5 + 160 + 33 * 16 + (32 * 5 + 2 * 5 * 132 + 32) + 288);
     EXPECT_EQ(zebiMorphologyBorderGetSize_8u_C1R(1 << 30, {3, 5}, &spec, &buf), zebStsSizeErr);
+}
+
+
+// ---- OpenCV ----
+
+// The photograph as pixels of T with CH channels (16-bit types spread over
+// their range, a fourth channel from a shifted copy).
+template <class T, int CH>
+cv::Mat photo_as() {
+    cv::Mat m = zt::photo(CH == 1 ? "baboon.jpg" : "fruits.jpg", CH == 1 ? cv::IMREAD_GRAYSCALE : cv::IMREAD_COLOR);
+    if (m.empty()) return m;
+    m = m(cv::Rect(0, 0, std::min(m.cols, 301), std::min(m.rows, 203))).clone();
+    if (CH == 4) {
+        cv::Mat a;
+        cv::extractChannel(m, a, 1);
+        cv::Mat four;
+        cv::merge(std::vector<cv::Mat>{m, 255 - a}, four);
+        m = four;
+    }
+    cv::Mat out;
+    if (std::is_same_v<T, Zeb16u>) m.convertTo(out, CV_MAKETYPE(CV_16U, CH), 251, 3);
+    else if (std::is_same_v<T, Zeb16s>) m.convertTo(out, CV_MAKETYPE(CV_16S, CH), 211, -26000);
+    else if (std::is_same_v<T, Zeb32f>) m.convertTo(out, CV_MAKETYPE(CV_32F, CH), 0.37, -11.5);
+    else out = m;
+    return out;
+}
+
+template <class T, int CH, bool kMax, class Fn, class GS, class In>
+void opencv_member(const char* name, const Fn* tbl, GS gs, In init) {
+    SCOPED_TRACE(name);
+    const cv::Mat ph = photo_as<T, CH>();
+    if (ph.empty()) GTEST_SKIP() << "sample photographs missing";
+    for (const Mask& m : masks()) {
+        SCOPED_TRACE(m.name);
+        cv::Mat k(m.h, m.w, CV_8U, const_cast<uint8_t*>(m.m.data()));
+        const cv::Point anchor((m.w - 1) / 2, (m.h - 1) / 2);
+        bool any = false;
+        for (uint8_t b : m.m) any |= b != 0;
+        if (!any) continue;  // OpenCV reads an empty kernel as 3x3
+        for (int mode : {1, 6}) {
+            // Border 6: the ROI sits inside the photograph, OpenCV reads the
+            // pixels around it as they are.
+            const cv::Rect r = mode == 1 ? cv::Rect(0, 0, ph.cols, ph.rows)
+                                         : cv::Rect(m.w + 3, m.h + 2, ph.cols - 2 * m.w - 7, ph.rows - 2 * m.h - 5);
+            const cv::Mat roi = ph(r);
+            cv::Mat want;
+            if (kMax)
+                cv::dilate(roi, want, k, anchor, 1, cv::BORDER_REPLICATE);
+            else
+                cv::erode(roi, want, k, anchor, 1, cv::BORDER_REPLICATE);
+            const State st = prepare(gs, init, r.width, m);
+            Image<T> dst(r.width, r.height, CH, 7 * int(sizeof(T)));
+            const T* src = reinterpret_cast<const T*>(roi.data);
+            ASSERT_EQ((call_border<T, CH>(tbl[1], src, int(roi.step), dst.ptr(), dst.step(), {r.width, r.height}, mode,
+                                          st.s(), st.buf.data())),
+                      0);
+            ASSERT_EQ(cv::norm(dst.mat(), want, cv::NORM_INF), 0.0) << "border " << mode;
+        }
+    }
+}
+
+ZT_TARGET_SUITE(DilateErodeOpenCV);
+
+TEST_P(DilateErodeOpenCV, EveryMemberOnPhotographs) {
+#define ZT_RUN(fn, T, ch, mx, gs, in) \
+    opencv_member<T, ch, mx>(#fn, zeb_tbl_##fn, zeb_tbl_##gs[0], zeb_tbl_##in[0]);
+    ZT_BORDER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+}
+
+// Min/max filters are OpenCV's rectangular dilation and erosion with the
+// same anchor; the older interface its dilation with a non-centred anchor.
+TEST_P(DilateErodeOpenCV, FiltersAndOlderAnchorsOnPhotographs) {
+    const cv::Mat ph = photo_as<Zeb8u, 3>();
+    if (ph.empty()) GTEST_SKIP() << "sample photographs missing";
+    const Image<Zeb8u> src = zt::image_of<Zeb8u>(ph, 5);
+    const int w = ph.cols, h = ph.rows;
+    for (auto [mw, mh, ax, ay] : std::vector<std::array<int, 4>>{{3, 3, 0, 2}, {21, 1, 15, 0}, {1, 9, 0, 1}, {11, 17, 10, 3}}) {
+        SCOPED_TRACE(::testing::Message() << mw << "x" << mh << " anchor " << ax << "," << ay);
+        const cv::Mat k = cv::Mat::ones(mh, mw, CV_8U);
+        cv::Mat wantMax, wantMin;
+        cv::dilate(ph, wantMax, k, {ax, ay}, 1, cv::BORDER_REPLICATE);
+        cv::erode(ph, wantMin, k, {ax, ay}, 1, cv::BORDER_REPLICATE);
+        int bytes = 0;
+        ASSERT_EQ(zebiFilterMaxGetBufferSize_8u_C3R(w, {mw, mh}, &bytes), 0);
+        zt::Guarded buf = zt::work_buffer(bytes);
+        Image<Zeb8u> dst(w, h, 3);
+        ASSERT_EQ(zebiFilterMaxBorderReplicate_8u_C3R(src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, {mw, mh},
+                                                      {ax, ay}, buf.data()),
+                  0);
+        EXPECT_EQ(cv::norm(dst.mat(), wantMax, cv::NORM_INF), 0.0);
+        ASSERT_EQ(zebiFilterMinBorderReplicate_8u_C3R(src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, {mw, mh},
+                                                      {ax, ay}, buf.data()),
+                  0);
+        EXPECT_EQ(cv::norm(dst.mat(), wantMin, cv::NORM_INF), 0.0);
+        // A cross with the same anchor through the older interface.
+        cv::Mat cross = cv::getStructuringElement(cv::MORPH_CROSS, {mw, mh}, {ax, ay});
+        ZebiMorphState* st = nullptr;
+        ASSERT_EQ(zebiMorphologyInitAlloc_8u_C3R(w, cross.ptr<Zeb8u>(), {mw, mh}, {ax, ay}, &st), 0);
+        cv::dilate(ph, wantMax, cross, {ax, ay}, 1, cv::BORDER_REPLICATE);
+        ASSERT_EQ(zebiDilateBorderReplicate_8u_C3R(src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, 1, st), 0);
+        EXPECT_EQ(cv::norm(dst.mat(), wantMax, cv::NORM_INF), 0.0);
+        EXPECT_EQ(zebiMorphologyFree(st), 0);
+    }
 }
 
 }  // namespace
