@@ -77,6 +77,7 @@ namespace {
 
 using zt::Image;
 using zt::checks::Arena;
+using zt::checks::Case;
 using zt::checks::Table;
 
 struct Mask {
@@ -454,6 +455,228 @@ TEST_P(DilateErodeOpenCV, FiltersAndOlderAnchorsOnPhotographs) {
         EXPECT_EQ(cv::norm(dst.mat(), wantMax, cv::NORM_INF), 0.0);
         EXPECT_EQ(zebiMorphologyFree(st), 0);
     }
+}
+
+
+// ---- argument checks ----
+
+template <class T, int CH, class Fn, class GS, class In>
+void border_checks(const char* name, const Fn* tbl, GS gs, In init) {
+    struct A {
+        const T* s;
+        int ss;
+        T* d;
+        int ds;
+        ZebiSize roi;
+        int bt;
+        const T* bv;
+        const ZebiMorphState* st;
+        Zeb8u* buf;
+    };
+    const int row = 8 * CH * int(sizeof(T));
+    std::vector<Case<A>> cases = {
+        {"null src, width 0", [](A& a) { a.s = nullptr, a.roi.width = 0; }, zebStsNullPtrErr},
+        {"null dst", [](A& a) { a.d = nullptr; }, zebStsNullPtrErr},
+        {"null state, border 0", [](A& a) { a.st = nullptr, a.bt = 0; }, zebStsNullPtrErr},
+        {"null buffer", [](A& a) { a.buf = nullptr; }, zebStsNullPtrErr},
+        {"height 0, short step", [row](A& a) { a.roi.height = 0, a.ss = row - 1; }, zebStsSizeErr},
+        {"width -1, border 0", [](A& a) { a.roi.width = -1, a.bt = 0; }, zebStsSizeErr},
+        {"short destination step, border 0", [row](A& a) { a.ds = row - int(sizeof(T)), a.bt = 0; }, zebStsStepErr},
+        {"border 0, width 9", [](A& a) { a.bt = 0, a.roi.width = 9; }, zebStsBorderErr},
+        {"border 2", [](A& a) { a.bt = 2; }, zebStsBorderErr},
+        {"border 16 + 1 (flags ignored)", [](A& a) { a.bt = 17; }, zebStsNoErr},
+        {"width 9 for a state of width 8", [](A& a) { a.roi.width = 9; }, zebStsBadArgErr}};
+    if (CH > 1) cases.push_back({"null border value, border 0", [](A& a) { a.bv = nullptr, a.bt = 0; }, zebStsNullPtrErr});
+    if (sizeof(T) > 1)
+        cases.push_back({"step not a multiple of the sample, border 0", [](A& a) { a.ss += 1, a.bt = 0; }, zebStsNotEvenStepErr});
+    zt::checks::run(Table<A>{
+        name,
+        [gs, init](Arena& m) {
+            auto src = m.image<T>("src", 9, 4, CH, 8), dst = m.image<T>("dst", 9, 4, CH, 8);
+            const Mask& k = masks()[0];
+            int sb = 0, bb = 0;
+            EXPECT_EQ(gs(8, k.size(), &sb, &bb), 0);
+            auto* st = reinterpret_cast<ZebiMorphState*>(m.block("state", std::size_t(sb)));
+            Zeb8u* buf = m.block("buffer", std::size_t(bb));
+            EXPECT_EQ(init(8, k.m.data(), k.size(), st, buf), 0);
+            return A{src.ptr, src.step, dst.ptr, dst.step, {8, 4}, 1, m.array<T>("border value", 4), st, buf};
+        },
+        [tbl](int v, A& a) {
+            if constexpr (CH == 1)
+                return tbl[v](a.s, a.ss, a.d, a.ds, a.roi, a.bt, T{}, a.st, a.buf);
+            else
+                return tbl[v](a.s, a.ss, a.d, a.ds, a.roi, a.bt, a.bv, a.st, a.buf);
+        },
+        cases});
+}
+
+template <class T, int CH, class GS, class In, class IA, class Dil>
+void older_checks(const char* name, GS gs, In init, IA initAlloc, const Dil* dil) {
+    struct A {
+        const T* s;
+        int ss;
+        T* d;
+        int ds;
+        ZebiSize roi;
+        int bt;
+        ZebiMorphState* st;
+    };
+    const int row = 8 * CH * int(sizeof(T));
+    std::vector<Case<A>> cases = {
+        {"null src, width 0", [](A& a) { a.s = nullptr, a.roi.width = 0; }, zebStsNullPtrErr},
+        {"null dst", [](A& a) { a.d = nullptr; }, zebStsNullPtrErr},
+        {"null state, border 6", [](A& a) { a.st = nullptr, a.bt = 6; }, zebStsNullPtrErr},
+        {"height 0, short step", [row](A& a) { a.roi.height = 0, a.ss = row - 1; }, zebStsSizeErr},
+        {"short step, border 0", [row](A& a) { a.ds = row - int(sizeof(T)), a.bt = 0; }, zebStsStepErr},
+        {"border 6", [](A& a) { a.bt = 6; }, zebStsBadArgErr},
+        {"border 17", [](A& a) { a.bt = 17; }, zebStsBadArgErr},
+        {"width 9 for a state of width 8", [](A& a) { a.roi.width = 9; }, zebStsBadArgErr}};
+    if (sizeof(T) > 1)
+        cases.push_back({"step not a multiple of 4, border 0", [](A& a) { a.ss += 2, a.bt = 0; }, zebStsNotEvenStepErr});
+    zt::checks::run(Table<A>{
+        name,
+        [gs, init](Arena& m) {
+            auto src = m.image<T>("src", 9, 4, CH, 8), dst = m.image<T>("dst", 9, 4, CH, 8);
+            const Mask& k = masks()[7];  // cross: the state's own scratch
+            int n = 0;
+            EXPECT_EQ(gs(8, k.m.data(), k.size(), &n), 0);
+            auto* st = reinterpret_cast<ZebiMorphState*>(m.block("state", std::size_t(n)));
+            EXPECT_EQ(init(8, k.m.data(), k.size(), ZebiPoint{1, 3}, st), 0);
+            return A{src.ptr, src.step, dst.ptr, dst.step, {8, 4}, 1, st};
+        },
+        [dil](int v, A& a) { return dil[v](a.s, a.ss, a.d, a.ds, a.roi, a.bt, a.st); }, cases});
+
+    // Size query and preparations.
+    const std::vector<uint8_t> mask(6, 1);
+    int n = -1;
+    EXPECT_EQ(gs(8, nullptr, {3, 2}, &n), zebStsNullPtrErr);
+    EXPECT_EQ(gs(0, mask.data(), {3, 2}, &n), zebStsSizeErr);
+    EXPECT_EQ(gs(8, mask.data(), {3, 0}, &n), zebStsSizeErr);
+    EXPECT_EQ(n, -1);
+    ASSERT_EQ(gs(8, mask.data(), {3, 2}, &n), 0);
+    zt::Guarded mem = zt::work_buffer(n);
+    auto* st = reinterpret_cast<ZebiMorphState*>(mem.data());
+    EXPECT_EQ(init(8, mask.data(), {3, 2}, {0, 0}, nullptr), zebStsNullPtrErr);
+    EXPECT_EQ(init(-1, mask.data(), {3, 2}, {3, 0}, st), zebStsSizeErr);
+    EXPECT_EQ(init(8, mask.data(), {3, 2}, {3, 0}, st), zebStsAnchorErr);
+    EXPECT_EQ(init(8, mask.data(), {3, 2}, {0, -1}, st), zebStsAnchorErr);
+    ZebiMorphState* p = nullptr;
+    EXPECT_EQ(initAlloc(8, mask.data(), {3, 2}, {1, 2}, &p), zebStsAnchorErr);
+    EXPECT_EQ(initAlloc(8, nullptr, {3, 2}, {1, 1}, &p), zebStsNullPtrErr);
+    EXPECT_EQ(p, nullptr);
+}
+
+template <class T, int CH, class GS, class Fn>
+void filter_checks(const char* name, GS gsz, const Fn* tbl) {
+    struct A {
+        const T* s;
+        int ss;
+        T* d;
+        int ds;
+        ZebiSize roi, mask;
+        ZebiPoint anchor;
+        Zeb8u* buf;
+    };
+    const int row = 8 * CH * int(sizeof(T));
+    std::vector<Case<A>> cases = {
+        {"null src, width 0", [](A& a) { a.s = nullptr, a.roi.width = 0; }, zebStsNullPtrErr},
+        {"null dst", [](A& a) { a.d = nullptr; }, zebStsNullPtrErr},
+        {"null buffer, mask 0", [](A& a) { a.buf = nullptr, a.mask.width = 0; }, zebStsNullPtrErr},
+        {"height 0, mask 0", [](A& a) { a.roi.height = 0, a.mask.width = 0; }, zebStsSizeErr},
+        {"mask height 0, anchor -1", [](A& a) { a.mask.height = 0, a.anchor.x = -1; }, zebStsMaskSizeErr},
+        {"anchor 3, short step", [row](A& a) { a.anchor.x = 3, a.ss = row - 1; }, zebStsAnchorErr},
+        {"anchor y 3", [](A& a) { a.anchor.y = 3; }, zebStsAnchorErr},
+        {"short step", [row](A& a) { a.ds = row - int(sizeof(T)); }, zebStsStepErr}};
+    if (sizeof(T) > 1) cases.push_back({"step not a multiple of 4", [](A& a) { a.ds += 1; }, zebStsNotEvenStepErr});
+    zt::checks::run(Table<A>{
+        name,
+        [gsz](Arena& m) {
+            auto src = m.image<T>("src", 8, 5, CH, 8), dst = m.image<T>("dst", 8, 5, CH, 8);
+            int n = 0;
+            EXPECT_EQ(gsz(8, ZebiSize{3, 3}, &n), 0);
+            return A{src.ptr, src.step, dst.ptr, dst.step, {8, 5}, {3, 3}, {1, 2}, m.block("buffer", std::size_t(n))};
+        },
+        [tbl](int v, A& a) { return tbl[v](a.s, a.ss, a.d, a.ds, a.roi, a.mask, a.anchor, a.buf); }, cases});
+    int n = -1;
+    EXPECT_EQ(gsz(8, {3, 3}, nullptr), zebStsNullPtrErr);
+    EXPECT_EQ(gsz(0, {0, 3}, &n), zebStsSizeErr);
+    EXPECT_EQ(gsz(8, {3, 0}, &n), zebStsMaskSizeErr);
+    EXPECT_EQ(n, -1);
+}
+
+TEST(MorphChecks, EveryMemberChecksInOrder) {
+#define ZT_RUN(fn, T, ch, mx, gs, in) border_checks<T, ch>(#fn, zeb_tbl_##fn, zeb_tbl_##gs[0], zeb_tbl_##in[0]);
+    ZT_BORDER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+#define ZT_RUN(gs, in, ia, dil, ero, T, ch)                                                   \
+    older_checks<T, ch>(#dil, zeb_tbl_##gs[0], zeb_tbl_##in[0], zeb_tbl_##ia[0], zeb_tbl_##dil); \
+    older_checks<T, ch>(#ero, zeb_tbl_##gs[0], zeb_tbl_##in[0], zeb_tbl_##ia[0], zeb_tbl_##ero);
+    ZT_OLDER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+#define ZT_RUN(gmax, gmin, fmax, fmin, T, ch)                       \
+    filter_checks<T, ch>(#fmax, zeb_tbl_##gmax[1], zeb_tbl_##fmax); \
+    filter_checks<T, ch>(#fmin, zeb_tbl_##gmin[1], zeb_tbl_##fmin);
+    ZT_FILTER_MEMBERS(ZT_RUN)
+#undef ZT_RUN
+}
+
+// The state queries and preparations of the border interface, 1-bit
+// images included.
+TEST(MorphChecks, BorderStatesAndOneBitChecksInOrder) {
+    const std::vector<uint8_t> mask(6, 0);  // empty: accepted
+    int s = -1, b = -1;
+    Zeb8u buf[64];
+    alignas(8) Zeb8u spec[2048];
+    auto* st = reinterpret_cast<ZebiMorphState*>(spec);
+#define ZT_RUN(fn, T, ch, mx, gs, in)                                                         \
+    EXPECT_EQ(zeb_tbl_##gs[0](8, {3, 2}, nullptr, &b), zebStsNullPtrErr);                    \
+    EXPECT_EQ(zeb_tbl_##gs[1](8, {3, 2}, &s, nullptr), zebStsNullPtrErr);                    \
+    EXPECT_EQ(zeb_tbl_##gs[0](0, {3, 2}, &s, &b), zebStsSizeErr);                            \
+    EXPECT_EQ(zeb_tbl_##gs[1](8, {3, 0}, &s, &b), zebStsSizeErr);                            \
+    EXPECT_EQ(zeb_tbl_##in[0](8, nullptr, {3, 2}, st, buf), zebStsNullPtrErr);               \
+    EXPECT_EQ(zeb_tbl_##in[1](8, mask.data(), {3, 2}, st, nullptr), zebStsNullPtrErr);       \
+    EXPECT_EQ(zeb_tbl_##in[0](8, mask.data(), {0, 2}, st, buf), zebStsSizeErr);              \
+    EXPECT_EQ(zeb_tbl_##in[1](8, mask.data(), {3, 2}, st, buf), zebStsNoErr);
+    ZT_BORDER_MEMBERS(ZT_RUN)
+    ZT_RUN(x, Zeb8u, 1, true, zebiMorphologyBorderGetSize_1u_C1R, zebiMorphologyBorderInit_1u_C1R)
+#undef ZT_RUN
+    EXPECT_EQ(s, -1);
+    EXPECT_EQ(b, -1);
+
+    struct A {
+        const Zeb8u* s;
+        int ss;
+        Zeb8u* d;
+        int ds;
+        ZebiSize roi;
+        int bt;
+        const ZebiMorphState* st;
+        Zeb8u* buf;
+    };
+    for (bool dilate : {true, false})
+        zt::checks::run(Table<A>{
+            dilate ? "zebiDilateBorder_1u_C1R" : "zebiErodeBorder_1u_C1R",
+            [](Arena& m) {
+                auto src = m.image<Zeb8u>("src", 2, 4, 1, 2), dst = m.image<Zeb8u>("dst", 2, 4, 1, 2);
+                const Mask& k = masks()[8];  // ellipse
+                int sb = 0, bb = 0;
+                EXPECT_EQ(zebiMorphologyBorderGetSize_1u_C1R(12, k.size(), &sb, &bb), 0);
+                auto* st = reinterpret_cast<ZebiMorphState*>(m.block("state", std::size_t(sb)));
+                Zeb8u* buf = m.block("buffer", std::size_t(bb));
+                EXPECT_EQ(zebiMorphologyBorderInit_1u_C1R(12, k.m.data(), k.size(), st, buf), 0);
+                return A{src.ptr, src.step, dst.ptr, dst.step, {12, 4}, 1, st, buf};
+            },
+            [dilate](int v, A& a) {
+                return (dilate ? zeb_tbl_zebiDilateBorder_1u_C1R : zeb_tbl_zebiErodeBorder_1u_C1R)[v](
+                    a.s, a.ss, a.d, a.ds, a.roi, a.bt, 0, a.st, a.buf);
+            },
+            {{"null src, width 0", [](A& a) { a.s = nullptr, a.roi.width = 0; }, zebStsNullPtrErr},
+             {"null buffer", [](A& a) { a.buf = nullptr; }, zebStsNullPtrErr},
+             {"height 0, step 1", [](A& a) { a.roi.height = 0, a.ss = 1; }, zebStsSizeErr},
+             {"step 1 for 12 pixels, border 0", [](A& a) { a.ds = 1, a.bt = 0; }, zebStsStepErr},
+             {"width 16, border 0", [](A& a) { a.roi.width = 16, a.bt = 0; }, zebStsBorderErr},
+             {"width 13 for a state of width 12", [](A& a) { a.roi.width = 13; }, zebStsBadArgErr},
+             {"step 1 for 8 pixels", [](A& a) { a.roi.width = 8, a.ss = 1, a.ds = 1; }, zebStsNoErr}}});
 }
 
 }  // namespace
