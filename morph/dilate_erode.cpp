@@ -36,15 +36,12 @@
 namespace zeb::morph {
 namespace {
 
-// Rectangle sides up to these take the direct extremum of shifted rows.
-constexpr int kDirectRow = 7;
-constexpr int kDirectCol = 6;
-
 template <class T, bool kMax>
 struct Kernels {
     void (*pair)(const T*, const T*, T*, int) = ZEB_DISPATCH(morph::pair<T, kMax>);
     void (*list)(const T* const*, int, T*, int) = ZEB_DISPATCH(morph::list<T, kMax>);
     void (*step)(T*, T*, T*, int) = ZEB_DISPATCH(morph::step<T, kMax>);
+    void (*pairRows)(const T* const*, int, T*, T*, int) = ZEB_DISPATCH(morph::pair_rows<T, kMax>);
 };
 
 // The row pass of the rectangle: out[x] = extremum of the row over
@@ -121,7 +118,7 @@ void rect_image(const T* src, int ss, T* dst, int ds, int W, int H, const Header
     const std::ptrdiff_t rs = std::ptrdiff_t(rowBytes / int64_t(sizeof(T)));
     unsigned char* cur = align_up(static_cast<unsigned char*>(work), 32);
     T* ring = reinterpret_cast<T*>(cur);
-    T* tmp = reinterpret_cast<T*>(cur + kh * rowBytes);
+    T* tmp = reinterpret_cast<T*>(cur + rect_ring_rows(kh) * rowBytes);
     const RectRow<T, kMax> rows{k, W, ch, h->rx, h->rw, inMem, tmp};
     const std::size_t rowLen = sizeof(T) * std::size_t(n);
 
@@ -142,12 +139,21 @@ void rect_image(const T* src, int ss, T* dst, int ds, int W, int H, const Header
         return;
     }
     if (kh <= kDirectCol) {
-        const T* ptrs[kDirectCol];
+        // A ring of kh + 1 row-pass rows; two output rows at a time share
+        // the extremum of the kh - 1 rows common to both windows.
+        const int R = kh + 1;
+        const T* ptrs[kDirectCol + 1];
         for (int v = 0; v < kh - 1; ++v) make(v, rg(v), v ? rg(v - 1) : nullptr);
-        for (int t = 0; t < H; ++t) {
+        int t = 0;
+        for (; t + 1 < H; t += 2) {
+            for (int v = t + kh - 1; v <= t + kh; ++v) make(v, rg(v % R), rg((v - 1) % R));
+            for (int i = 0; i <= kh; ++i) ptrs[i] = rg((t + i) % R);
+            k.pairRows(ptrs, kh + 1, drow(t), drow(t + 1), n);
+        }
+        if (t < H) {
             const int v = t + kh - 1;
-            make(v, rg(v % kh), rg((v - 1) % kh));
-            for (int i = 0; i < kh; ++i) ptrs[i] = rg((t + i) % kh);
+            make(v, rg(v % R), rg((v - 1) % R));
+            for (int i = 0; i < kh; ++i) ptrs[i] = rg((t + i) % R);
             k.list(ptrs, kh, drow(t), n);
         }
         return;

@@ -106,6 +106,46 @@ void list(const T* const* p, int cnt, T* out, int n) {
     }
 }
 
+// Two output rows of a short column window at once: with the shared rows
+// p[1] .. p[kCnt - 2], out0 takes p[0] and out1 takes p[kCnt - 1] as well
+// (n >= lanes; the outputs overlap no row).
+template <int kCnt, class T, bool kMax>
+HWY_INLINE void pair_rows_fixed(const T* const* HWY_RESTRICT pp, T* out0, T* out1, int n) {
+    const Vd<T> d;
+    constexpr int N = int(hn::MaxLanes(Vd<T>()));
+    const T* p[kCnt];
+    for (int k = 0; k < kCnt; ++k) p[k] = pp[k];
+    auto at = [&](int i) HWY_ATTR {
+        auto acc = hn::LoadU(d, p[1] + i);
+        for (int k = 2; k < kCnt - 1; ++k) acc = Ext<kMax>(acc, hn::LoadU(d, p[k] + i));
+        hn::StoreU(Ext<kMax>(acc, hn::LoadU(d, p[0] + i)), d, out0 + i);
+        hn::StoreU(Ext<kMax>(acc, hn::LoadU(d, p[kCnt - 1] + i)), d, out1 + i);
+    };
+    int i = 0;
+    for (; i + N <= n; i += N) at(i);
+    if (i < n) at(n - N);
+}
+
+// out0 = extremum of rows p[0] .. p[cnt - 2], out1 of rows p[1] .. p[cnt - 1]
+// (3 <= cnt <= 8).
+template <class T, bool kMax>
+void pair_rows(const T* const* p, int cnt, T* out0, T* out1, int n) {
+    constexpr int N = int(hn::MaxLanes(Vd<T>()));
+    if (n < N) {
+        list<T, kMax>(p, cnt - 1, out0, n);
+        list<T, kMax>(p + 1, cnt - 1, out1, n);
+        return;
+    }
+    switch (cnt) {
+        case 3: return pair_rows_fixed<3, T, kMax>(p, out0, out1, n);
+        case 4: return pair_rows_fixed<4, T, kMax>(p, out0, out1, n);
+        case 5: return pair_rows_fixed<5, T, kMax>(p, out0, out1, n);
+        case 6: return pair_rows_fixed<6, T, kMax>(p, out0, out1, n);
+        case 7: return pair_rows_fixed<7, T, kMax>(p, out0, out1, n);
+        default: return pair_rows_fixed<8, T, kMax>(p, out0, out1, n);
+    }
+}
+
 // One step of the block running extremum: with p = prev[i], s = suf[i],
 // r = cur[i]: prev[i] = ext(p, s) (an output finished), cur[i] = ext(p, r)
 // (the prefix advanced), suf[i] = r (the raw row kept for the next

@@ -26,6 +26,10 @@ enum Class : int32_t { kGeneral = 0, kRect = 1, kRuns = 2, kEmpty = 3 };
 // power-of-two tables, a plain copy.
 enum Path : int32_t { kPathGeneral = 0, kPathRect = 1, kPathRuns = 2, kPathCopy = 3 };
 
+// Rectangle sides up to these take the direct extremum of shifted rows.
+inline constexpr int kDirectRow = 7;
+inline constexpr int kDirectCol = 6;
+
 inline constexpr uint32_t kMagic = 0x4d4f5250u;  // "MORP"
 
 // One term of the general path: the mask element at (row, col).
@@ -91,12 +95,14 @@ inline int64_t rows_work(int64_t W, int64_t P, int64_t mW, int64_t mH, int64_t l
     return mH * levels * E + r32(W * P) + 8 * terms + 32;
 }
 
-// The scratch of the separable rectangle path: a ring of rh rows and one
-// temporary row (extended by the rectangle width when the border pixels are
+// The scratch of the separable rectangle path: a ring of rows (none for
+// one row, one more than the side for short columns) and one temporary row
+// for long rows (extended by the rectangle width when the border pixels are
 // read from memory), 32 bytes to align the start.
+inline int64_t rect_ring_rows(int64_t rh) { return rh == 1 ? 0 : rh <= kDirectCol ? rh + 1 : rh; }
 inline int64_t rect_work(int64_t W, int64_t P, int64_t rw, int64_t rh, bool inMem) {
-    const int64_t tmp = inMem ? r32((W + rw - 1) * P) : r32(W * P);
-    return rh * r32(W * P) + tmp + 32;
+    const int64_t tmp = rw <= kDirectRow ? 0 : inMem ? r32((W + rw - 1) * P) : r32(W * P);
+    return rect_ring_rows(rh) * r32(W * P) + tmp + 32;
 }
 
 // Border-interface work size: the largest need of any mask of this size.
