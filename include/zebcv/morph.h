@@ -25,10 +25,11 @@
  *
  * Borders: the low four bits of borderType choose the mode, higher bits are
  * ignored. 1 replicates the nearest edge pixel for positions outside the
- * ROI; 6 reads the pixels around the ROI from the caller's image (mask
- * height - 1 - anchor.y rows below, anchor.y rows above, anchor.x columns
- * left and width - 1 - anchor.x columns right must be readable). Other modes
- * are refused with -225 by the border interface; the older interface takes
+ * ROI; 6 reads the pixels around the ROI from the caller's image
+ * (anchor.y rows above, mask height - 1 - anchor.y rows below, anchor.x
+ * columns left and mask width - 1 - anchor.x columns right must be
+ * readable; for 1u the bytes holding those columns). Other modes are
+ * refused with -225 by the border interface; the older interface takes
  * exactly 1 and refuses anything else with -5. borderValue is not used by
  * modes 1 and 6; where it is an array it must still not be null.
  *
