@@ -11,6 +11,7 @@
 
 #include "check_table.h"
 #include "harness.h"
+#include "core/zebcore_test_hooks.h"
 #include "morph/morph_ref.h"
 
 // One line per state-based member: export, pixel type, channels, dilation?,
@@ -677,6 +678,34 @@ TEST(MorphChecks, BorderStatesAndOneBitChecksInOrder) {
              {"width 16, border 0", [](A& a) { a.roi.width = 16, a.bt = 0; }, zebStsBorderErr},
              {"width 13 for a state of width 12", [](A& a) { a.roi.width = 13; }, zebStsBadArgErr},
              {"step 1 for 8 pixels", [](A& a) { a.roi.width = 8, a.ss = 1, a.ds = 1; }, zebStsNoErr}}});
+}
+
+
+// Allocation failures: InitAlloc leaves nothing behind; an older call whose
+// mask needs more scratch than its state holds allocates it for the call,
+// returns -9 with the destination untouched when it cannot, and releases it.
+TEST(MorphChecks, AllocationFailuresLeaveNothingBehind) {
+    const Mask& m = masks()[9];  // ellipse 15x15: run tables beyond the state's own scratch
+    const int64_t live = zebTestLiveBlocks();
+    int marker = 0;
+    ZebiMorphState* st = reinterpret_cast<ZebiMorphState*>(&marker);  // a value that must survive
+    ZebiMorphState* const before = st;
+    zebTestFailMallocAt(1);
+    EXPECT_EQ(zebiMorphologyInitAlloc_8u_C1R(64, m.m.data(), m.size(), {7, 7}, &st), zebStsMemAllocErr);
+    EXPECT_EQ(st, before);
+    EXPECT_EQ(zebTestLiveBlocks(), live);
+    ASSERT_EQ(zebiMorphologyInitAlloc_8u_C1R(64, m.m.data(), m.size(), {7, 7}, &st), 0);
+    Image<Zeb8u> src(64, 20), dst(64, 20);
+    const std::vector<Zeb8u> old = dst.pixels();
+    zebTestFailMallocAt(1);
+    EXPECT_EQ(zebiErodeBorderReplicate_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {64, 20}, 1, st),
+              zebStsMemAllocErr);
+    zebTestFailMallocAt(0);
+    EXPECT_EQ(dst.pixels(), old);
+    EXPECT_EQ(zebiErodeBorderReplicate_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {64, 20}, 1, st), 0);
+    EXPECT_EQ(zebTestLiveBlocks(), live + 1);
+    EXPECT_EQ(zebiMorphologyFree(st), 0);
+    EXPECT_EQ(zebTestLiveBlocks(), live);
 }
 
 }  // namespace
