@@ -18,5 +18,6 @@
 #include "zebcv/filter.h"
 #include "zebcv/feature.h"
 #include "zebcv/detect.h"
+#include "zebcv/morph.h"
 
 #endif /* ZEBCV_H */
