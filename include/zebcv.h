@@ -15,5 +15,6 @@
 #include "zebcv/arith.h"
 #include "zebcv/stats.h"
 #include "zebcv/filter.h"
+#include "zebcv/morph_advanced.h"
 
 #endif /* ZEBCV_H */
