@@ -44,7 +44,8 @@ void filter_row(const T* const* rows, const GrayElem* e, int count, T start, T* 
             if constexpr (std::is_same_v<T, float>) {
                 v = kDil ? hn::Add(s, hn::Set(d, e[k].value)) : hn::Sub(s, hn::Set(d, e[k].value));
             } else {
-                v = hn::SaturatedSub(hn::SaturatedAdd(s, hn::Set(d, T(e[k].add))), hn::Set(d, T(e[k].sub)));
+                const T up = kDil ? e[k].add : e[k].sub, down = kDil ? e[k].sub : e[k].add;
+                v = hn::SaturatedSub(hn::SaturatedAdd(s, hn::Set(d, up)), hn::Set(d, down));
             }
             acc = kDil ? hn::Max(acc, v) : hn::Min(acc, v);
         }
