@@ -11,6 +11,7 @@
 #if HWY_ONCE
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "core/border.h"
@@ -21,22 +22,32 @@
 namespace zeb::impl {
 namespace {
 
+// Consecutive mask rows that keep the same columns with the same values
+// form a group: their source rows are first reduced to one row by the
+// column extreme (exact, as the offset is monotonic), and the group's
+// elements are applied to that row once. A flat rectangle is one group.
+//
 // The state, from its first 32-byte boundary: this header, then (each on a
-// 64-byte boundary) the kept elements, one row pointer per mask row, and
-// one bordered source row of maxWidth + mw - 1 samples per mask row (a
-// ring: source row r lives in slot (r + ay) mod mh).
+// 64-byte boundary) the kept elements of each group's first row (their row
+// field is the group), the first mask row of each group and one past the
+// last, two row pointers per mask row, one bordered source row of
+// maxWidth + mw - 1 samples per mask row (a ring: source row r lives in
+// slot (r + ay) mod mh), and as many scratch rows for the groups.
 struct GrayHeader {
     int32_t type;  // zeb8u or zeb32f
     int32_t maxWidth;
     int32_t mw, mh, ax, ay;
-    int32_t count;  // kept elements
+    int32_t count;   // kept elements
+    int32_t groups;  // row groups
 };
 
 struct Layout {
     GrayHeader* hdr;
     GrayElem* elems;
+    int32_t* groupStart;
     const void** rows;
     unsigned char* ring;
+    unsigned char* scratch;
     std::size_t ringRow;  // bytes per ring row, a multiple of 64
 };
 
@@ -50,9 +61,11 @@ Layout layout(void* state, int32_t maxWidth, int32_t mw, int32_t mh, std::size_t
     Layout l;
     l.hdr = reinterpret_cast<GrayHeader*>(base);
     l.elems = c.take<GrayElem>(std::size_t(mw) * std::size_t(mh));
-    l.rows = c.take<const void*>(std::size_t(mh));
+    l.groupStart = c.take<int32_t>(std::size_t(mh) + 1);
+    l.rows = c.take<const void*>(2 * std::size_t(mh));
     l.ringRow = ring_row_bytes(maxWidth, mw, elem);
     l.ring = c.take<unsigned char>(l.ringRow * std::size_t(mh));
+    l.scratch = c.take<unsigned char>(l.ringRow * std::size_t(mh));
     return l;
 }
 
@@ -63,9 +76,9 @@ int64_t state_bytes(int32_t maxWidth, ZebiSize mask, std::size_t elem) {
     if (n > std::numeric_limits<int32_t>::max()) return -1;
     const int64_t rowBytes = int64_t(ring_row_bytes(maxWidth, mask.width, elem));
     int64_t ring = 0;
-    if (__builtin_mul_overflow(rowBytes, int64_t(mask.height), &ring)) return -1;
-    return 32 + int64_t(sizeof(GrayHeader)) + 64 + n * int64_t(sizeof(GrayElem)) + 64 + 8 * int64_t(mask.height) +
-           64 + ring;
+    if (__builtin_mul_overflow(rowBytes, int64_t(mask.height), &ring) || ring > (int64_t(1) << 40)) return -1;
+    return 32 + int64_t(sizeof(GrayHeader)) + 64 + n * int64_t(sizeof(GrayElem)) + 64 + 4 * (int64_t(mask.height) + 1) +
+           64 + 16 * int64_t(mask.height) + 64 + ring + 64 + ring;
 }
 
 template <class V>
@@ -94,24 +107,47 @@ ZebStatus init(int roiWidth, const V* mask, ZebiSize maskSize, ZebiPoint anchor,
     if (anchor.x < 0 || anchor.x >= maskSize.width || anchor.y < 0 || anchor.y >= maskSize.height)
         return zebStsAnchorErr;
     const Layout l = layout(state, roiWidth, maskSize.width, maskSize.height, sample_size<V>());
-    int32_t count = 0;
-    for (int j = 0; j < maskSize.height; ++j)
+    auto at = [&](int i, int j) { return mask[std::size_t(j) * std::size_t(maskSize.width) + std::size_t(i)]; };
+    auto keep = [](V v) {
+        if constexpr (std::is_same_v<V, Zeb32f>) return v != -std::numeric_limits<float>::infinity();
+        else return v > -255;
+    };
+    // Two rows act alike when they keep the same columns with the same
+    // offsets (8u values beyond 255 act as 255).
+    auto same_row = [&](int j, int k) {
         for (int i = 0; i < maskSize.width; ++i) {
-            const V v = mask[std::size_t(j) * std::size_t(maskSize.width) + std::size_t(i)];
-            GrayElem e{j, i, 0.f, 0, 0, {0, 0}};
+            const V a = at(i, j), b = at(i, k);
+            if (keep(a) != keep(b)) return false;
             if constexpr (std::is_same_v<V, Zeb32f>) {
-                if (v == -std::numeric_limits<float>::infinity()) continue;
+                if (keep(a) && std::memcmp(&a, &b, sizeof a) != 0) return false;
+            } else {
+                if (keep(a) && std::min(a, Zeb32s(255)) != std::min(b, Zeb32s(255))) return false;
+            }
+        }
+        return true;
+    };
+    int32_t count = 0, groups = 0;
+    for (int j = 0; j < maskSize.height; ++j) {
+        if (j > 0 && same_row(j, j - 1)) continue;
+        l.groupStart[groups] = j;
+        for (int i = 0; i < maskSize.width; ++i) {
+            const V v = at(i, j);
+            if (!keep(v)) continue;
+            GrayElem e{groups, i, 0.f, 0, 0, {0, 0}};
+            if constexpr (std::is_same_v<V, Zeb32f>) {
                 e.value = v;
             } else {
-                if (v <= -255) continue;
                 const int c = std::min(v, Zeb32s(255));
                 e.add = uint8_t(c > 0 ? c : 0);
                 e.sub = uint8_t(c < 0 ? -c : 0);
             }
             l.elems[count++] = e;
         }
+        ++groups;
+    }
+    l.groupStart[groups] = maskSize.height;
     *l.hdr = GrayHeader{std::is_same_v<V, Zeb32f> ? int32_t(zeb32f) : int32_t(zeb8u), roiWidth, maskSize.width,
-                        maskSize.height, anchor.x, anchor.y, count};
+                        maskSize.height, anchor.x, anchor.y, count, groups};
     return zebStsNoErr;
 }
 
@@ -155,10 +191,24 @@ ZebStatus filter(const T* src, int ss, T* dst, int ds, ZebiSize roi, ZebiBorderT
     // Rows -ay .. mh - 2 - ay first; each output row adds the next one.
     for (int r = -h.ay; r < h.mh - 1 - h.ay; ++r) fill(r);
     const auto kernel = ZEB_DISPATCH(graymorph::filter_row<T, kDil>);
+    const auto reduce = ZEB_DISPATCH(graymorph::column_extreme<T, kDil>);
+    const T** src_rows = reinterpret_cast<const T**>(l.rows);
+    const T** group_rows = src_rows + h.mh;
+    const int len = roi.width + h.mw - 1;
     for (int y = 0; y < roi.height; ++y) {
         fill(y - h.ay + h.mh - 1);
-        for (int j = 0; j < h.mh; ++j) l.rows[j] = slot(y - h.ay + j);
-        kernel(reinterpret_cast<const T* const*>(l.rows), l.elems, h.count, init, row(dst, ds, y), roi.width);
+        for (int j = 0; j < h.mh; ++j) src_rows[j] = slot(y - h.ay + j);
+        for (int g = 0; g < h.groups; ++g) {
+            const int j0 = l.groupStart[g], n = l.groupStart[g + 1] - j0;
+            if (n == 1) {
+                group_rows[g] = src_rows[j0];
+            } else {
+                T* s = reinterpret_cast<T*>(l.scratch + l.ringRow * std::size_t(g));
+                reduce(src_rows + j0, n, s, len);
+                group_rows[g] = s;
+            }
+        }
+        kernel(group_rows, l.elems, h.count, init, row(dst, ds, y), roi.width);
     }
     return zebStsNoErr;
 }
