@@ -15,6 +15,7 @@
 #include "zebcv/arith.h"
 #include "zebcv/stats.h"
 #include "zebcv/filter.h"
+#include "zebcv/morph.h"
 #include "zebcv/morph_advanced.h"
 
 #endif /* ZEBCV_H */
