@@ -59,10 +59,53 @@
  *   (-6); a step below the row length (-14); for 32f a step that is not a
  *   multiple of 4 (-108); border type (-225); ROI width larger than the
  *   state's (-5).
+ *
+ * Compound operations (zebiMorph{Open,Close,Tophat,Blackhat,Gradient}Border_*)
+ *   Run the dilation and erosion of zebcv/morph.h with the state's mask
+ *   (anchored at its centre), the call's border type and border value:
+ *     opening   erosion, then dilation of the result
+ *     closing   dilation, then erosion of the result
+ *     top-hat   src - opening          black-hat  closing - src
+ *     gradient  dilation - erosion
+ *   Differences saturate to the pixel type (8u, 16u, 16s; 32f is a plain
+ *   single-precision difference); for 1u images a - b is a AND NOT b.
+ *   1u images: eight pixels to a byte, most significant bit first, each
+ *   row starting at bit 7 of its first byte, (width + 7) / 8 bytes a row;
+ *   the destination bits past the ROI width keep their value.
+ *   Border 1 replicates the edge pixels of the source for the first
+ *   operation and of the intermediate image for the second one. Border 6
+ *   reads the pixels around the ROI from memory: the first operation is
+ *   made over the ROI widened by the mask's reach on every side, so the
+ *   source must be readable twice the reach around the ROI (mask.width - 1
+ *   columns left and right and mask.height - 1 rows above and below, about
+ *   the centre anchor; for 1u up to seven more columns on the left, in
+ *   whole bytes). Other border modes give -225.
+ *   State (ZebiMorphAdvState): the mask prepared twice, for dilation and
+ *   erosion, and the largest ROI it serves; built by zebiMorphAdvInit_* in
+ *   caller memory or allocated by zebiMorphAdvInitAlloc_* (8u and 32f;
+ *   -9 when the allocation fails) and released by zebiMorphAdvFree (-8
+ *   for a null pointer). With S and B the state and buffer sizes of
+ *   zebiMorphologyBorderGetSize_* for the ROI width and mask (for 1u with
+ *   the width raised to at least 8), GetSize gives the state size 2S + 32
+ *   and the buffer size 2B + R32(row bytes of W + mW - 1 pixels, for 1u
+ *   W + mW + 6 pixels) * (H + mH - 1), R32 rounding up to a multiple of
+ *   32. A state serves calls whose ROI is no wider and no taller than the
+ *   one it was made for, one call at a time.
+ *   GetSize checks: a null output (-8); ROI or mask width or height below 1
+ *   (-6); sizes that do not fit an int (-6). Init checks: pMask, pSpec or
+ *   pBuffer null (-8); the same sizes (-6); nothing else (the buffer is not
+ *   written).
+ *   Operation checks, in order: pSrc, pDst, pSpec, pBuffer (and an array
+ *   borderValue) null (-8); width or height below 1 (-6); a step below the
+ *   row length in bytes (-14); for 16-bit and float images a step that is
+ *   not a multiple of the sample size (-108); the border mode (low four
+ *   bits) not 1 or 6 (-225); the ROI wider or taller than the state's (-5).
+ *   Nothing is written on failure. Source and destination must not overlap.
  */
 #ifndef ZEBCV_MORPH_ADVANCED_H
 #define ZEBCV_MORPH_ADVANCED_H
 
+#include "zebcv/morph.h"
 #include "zebcv/types.h"
 
 ZEB_EXTERN_C_BEGIN
@@ -118,6 +161,81 @@ ZEB_API ZebStatus zebiGrayErodeBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb
                                              ZebiSize roiSize, ZebiBorderType borderType, ZebiMorphGrayState* pState);
 ZEB_API ZebStatus zebiGrayErodeBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
                                               ZebiSize roiSize, ZebiBorderType borderType, ZebiMorphGrayState* pState);
+
+/* ---- Compound operations ---- */
+
+typedef struct ZebiMorphAdvState ZebiMorphAdvState;
+
+ZEB_API ZebStatus zebiMorphAdvGetSize_1u_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_1u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphOpenBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_8u_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_8u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_8u_C3R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_8u_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_8u_C4R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_8u_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_16u_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_16u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphOpenBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_16s_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_16s_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphOpenBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_32f_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_32f_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_32f_C3R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_32f_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvGetSize_32f_C4R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
+ZEB_API ZebStatus zebiMorphAdvInit_32f_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvFree(ZebiMorphAdvState* pSpec);
 
 ZEB_EXTERN_C_END
 
