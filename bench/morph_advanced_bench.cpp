@@ -97,3 +97,54 @@ ZB_PAIR("GrayDilateBorder_8u_C1R flat 3x3",
         2 * kPx);
 
 }  // namespace
+
+namespace {
+
+// Compound operations on 8u noise, a 3x3 rectangle and a 5x5 ellipse.
+struct Compound {
+    cv::Mat s8 = zb::random_mat(CV_8U), d8 = zb::random_mat(CV_8U);
+    cv::Mat rect = cv::getStructuringElement(cv::MORPH_RECT, {3, 3});
+    cv::Mat ellipse = cv::getStructuringElement(cv::MORPH_ELLIPSE, {5, 5});
+    struct Prepared {
+        std::vector<Zeb8u> spec, buf;
+        const ZebiMorphAdvState* s() const { return reinterpret_cast<const ZebiMorphAdvState*>(spec.data()); }
+    };
+    static Prepared prepare(const cv::Mat& m) {
+        int sb = 0, bb = 0;
+        Prepared p;
+        if (zebiMorphAdvGetSize_8u_C1R(kRoi, {m.cols, m.rows}, &sb, &bb) != 0) std::abort();
+        p.spec.resize(static_cast<std::size_t>(sb));
+        p.buf.resize(static_cast<std::size_t>(bb));
+        if (zebiMorphAdvInit_8u_C1R(kRoi, m.data, {m.cols, m.rows}, reinterpret_cast<ZebiMorphAdvState*>(p.spec.data()),
+                                    p.buf.data()) != 0)
+            std::abort();
+        return p;
+    }
+    Prepared r3 = prepare(rect), e5 = prepare(ellipse);
+};
+
+using AdvOp = ZebStatus (*)(const Zeb8u*, int, Zeb8u*, int, ZebiSize, ZebiBorderType, Zeb8u, const ZebiMorphAdvState*,
+                            Zeb8u*);
+
+void zeb_compound(AdvOp op, bool ellipse) {
+    auto& b = zb::buffers<Compound>();
+    auto& p = ellipse ? b.e5 : b.r3;
+    ZB_CHECK(op(px<Zeb8u>(b.s8), step(b.s8), px<Zeb8u>(b.d8), step(b.d8), kRoi, 1, 0, p.s(), p.buf.data()));
+}
+void ocv_compound(int op, bool ellipse) {
+    auto& b = zb::buffers<Compound>();
+    cv::morphologyEx(b.s8, b.d8, op, ellipse ? b.ellipse : b.rect, {-1, -1}, 1, cv::BORDER_REPLICATE);
+}
+
+ZB_PAIR("MorphGradientBorder_8u_C1R 3x3 rect", [] { zeb_compound(zebiMorphGradientBorder_8u_C1R, false); },
+        [] { ocv_compound(cv::MORPH_GRADIENT, false); }, 2 * kPx);
+ZB_PAIR("MorphOpenBorder_8u_C1R 3x3 rect", [] { zeb_compound(zebiMorphOpenBorder_8u_C1R, false); },
+        [] { ocv_compound(cv::MORPH_OPEN, false); }, 2 * kPx);
+ZB_PAIR("MorphCloseBorder_8u_C1R 5x5 ellipse", [] { zeb_compound(zebiMorphCloseBorder_8u_C1R, true); },
+        [] { ocv_compound(cv::MORPH_CLOSE, true); }, 2 * kPx);
+ZB_PAIR("MorphTophatBorder_8u_C1R 3x3 rect", [] { zeb_compound(zebiMorphTophatBorder_8u_C1R, false); },
+        [] { ocv_compound(cv::MORPH_TOPHAT, false); }, 2 * kPx);
+ZB_PAIR("MorphBlackhatBorder_8u_C1R 5x5 ellipse", [] { zeb_compound(zebiMorphBlackhatBorder_8u_C1R, true); },
+        [] { ocv_compound(cv::MORPH_BLACKHAT, true); }, 2 * kPx);
+
+}  // namespace
