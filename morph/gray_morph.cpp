@@ -188,25 +188,41 @@ ZebStatus filter(const T* src, int ss, T* dst, int ds, ZebiSize roi, ZebiBorderT
     const T init = std::is_same_v<T, float> ? (kDil ? -std::numeric_limits<float>::infinity()
                                                     : std::numeric_limits<float>::infinity())
                                             : start;
-    // Rows -ay .. mh - 2 - ay first; each output row adds the next one.
-    for (int r = -h.ay; r < h.mh - 1 - h.ay; ++r) fill(r);
     const auto kernel = ZEB_DISPATCH(graymorph::filter_row<T, kDil>);
     const auto reduce = ZEB_DISPATCH(graymorph::column_extreme<T, kDil>);
     const T** src_rows = reinterpret_cast<const T**>(l.rows);
     const T** group_rows = src_rows + h.mh;
-    const int len = roi.width + h.mw - 1;
+    const bool inMem = mode == border::kInMem;
+    // Single-row groups read bordered copies of the source rows from the
+    // ring (rows -ay .. mh - 2 - ay first; each output row adds the next
+    // one). Groups of several rows reduce the source rows straight into
+    // their scratch row: over the bordered width when the border is in
+    // memory, else over the ROI with the edge columns replicated after.
+    bool ring = false;
+    for (int g = 0; g < h.groups; ++g) ring |= l.groupStart[g + 1] - l.groupStart[g] == 1;
+    if (ring)
+        for (int r = -h.ay; r < h.mh - 1 - h.ay; ++r) fill(r);
     for (int y = 0; y < roi.height; ++y) {
-        fill(y - h.ay + h.mh - 1);
-        for (int j = 0; j < h.mh; ++j) src_rows[j] = slot(y - h.ay + j);
+        if (ring) fill(y - h.ay + h.mh - 1);
         for (int g = 0; g < h.groups; ++g) {
             const int j0 = l.groupStart[g], n = l.groupStart[g + 1] - j0;
             if (n == 1) {
-                group_rows[g] = src_rows[j0];
-            } else {
-                T* s = reinterpret_cast<T*>(l.scratch + l.ringRow * std::size_t(g));
-                reduce(src_rows + j0, n, s, len);
-                group_rows[g] = s;
+                group_rows[g] = slot(y - h.ay + j0);
+                continue;
             }
+            T* s = reinterpret_cast<T*>(l.scratch + l.ringRow * std::size_t(g));
+            for (int k = 0; k < n; ++k) {
+                const T* r = border::source_row(src, ss, y - h.ay + j0 + k, roi.height, spec);
+                src_rows[k] = inMem ? r - left : r;
+            }
+            if (inMem) {
+                reduce(src_rows, n, s, roi.width + h.mw - 1);
+            } else {
+                reduce(src_rows, n, s + left, roi.width);
+                for (int x = 0; x < left; ++x) s[x] = s[left];
+                for (int x = 0; x < right; ++x) s[left + roi.width + x] = s[left + roi.width - 1];
+            }
+            group_rows[g] = s;
         }
         kernel(group_rows, l.elems, h.count, init, row(dst, ds, y), roi.width);
     }
