@@ -222,87 +222,309 @@ ZebStatus run(const M& m, Kind kind, const T* src, int ss, T* dst, int ds, ZebiS
     return zebStsNoErr;
 }
 
-const Member<Zeb8u, 1, true, Zeb8u> k1uC1R{zebiDilateBorder_1u_C1R, zebiErodeBorder_1u_C1R, zebiMorphologyBorderGetSize_1u_C1R, zebiMorphologyBorderInit_1u_C1R};
-const Member<Zeb8u, 1, false, Zeb8u> k8uC1R{zebiDilateBorder_8u_C1R, zebiErodeBorder_8u_C1R, zebiMorphologyBorderGetSize_8u_C1R, zebiMorphologyBorderInit_8u_C1R};
-const Member<Zeb8u, 3, false, const Zeb8u*> k8uC3R{zebiDilateBorder_8u_C3R, zebiErodeBorder_8u_C3R, zebiMorphologyBorderGetSize_8u_C3R, zebiMorphologyBorderInit_8u_C3R};
-const Member<Zeb8u, 4, false, const Zeb8u*> k8uC4R{zebiDilateBorder_8u_C4R, zebiErodeBorder_8u_C4R, zebiMorphologyBorderGetSize_8u_C4R, zebiMorphologyBorderInit_8u_C4R};
-const Member<Zeb16u, 1, false, Zeb16u> k16uC1R{zebiDilateBorder_16u_C1R, zebiErodeBorder_16u_C1R, zebiMorphologyBorderGetSize_16u_C1R, zebiMorphologyBorderInit_16u_C1R};
-const Member<Zeb16s, 1, false, Zeb16s> k16sC1R{zebiDilateBorder_16s_C1R, zebiErodeBorder_16s_C1R, zebiMorphologyBorderGetSize_16s_C1R, zebiMorphologyBorderInit_16s_C1R};
-const Member<Zeb32f, 1, false, Zeb32f> k32fC1R{zebiDilateBorder_32f_C1R, zebiErodeBorder_32f_C1R, zebiMorphologyBorderGetSize_32f_C1R, zebiMorphologyBorderInit_32f_C1R};
-const Member<Zeb32f, 3, false, const Zeb32f*> k32fC3R{zebiDilateBorder_32f_C3R, zebiErodeBorder_32f_C3R, zebiMorphologyBorderGetSize_32f_C3R, zebiMorphologyBorderInit_32f_C3R};
-const Member<Zeb32f, 4, false, const Zeb32f*> k32fC4R{zebiDilateBorder_32f_C4R, zebiErodeBorder_32f_C4R, zebiMorphologyBorderGetSize_32f_C4R, zebiMorphologyBorderInit_32f_C4R};
+const Member<Zeb8u, 1, true, Zeb8u> k1uC1R{zebiDilateBorder_1u_C1R, zebiErodeBorder_1u_C1R,
+                                           zebiMorphologyBorderGetSize_1u_C1R, zebiMorphologyBorderInit_1u_C1R};
+const Member<Zeb8u, 1, false, Zeb8u> k8uC1R{zebiDilateBorder_8u_C1R, zebiErodeBorder_8u_C1R,
+                                            zebiMorphologyBorderGetSize_8u_C1R, zebiMorphologyBorderInit_8u_C1R};
+const Member<Zeb8u, 3, false, const Zeb8u*> k8uC3R{zebiDilateBorder_8u_C3R, zebiErodeBorder_8u_C3R,
+                                                   zebiMorphologyBorderGetSize_8u_C3R,
+                                                   zebiMorphologyBorderInit_8u_C3R};
+const Member<Zeb8u, 4, false, const Zeb8u*> k8uC4R{zebiDilateBorder_8u_C4R, zebiErodeBorder_8u_C4R,
+                                                   zebiMorphologyBorderGetSize_8u_C4R,
+                                                   zebiMorphologyBorderInit_8u_C4R};
+const Member<Zeb16u, 1, false, Zeb16u> k16uC1R{zebiDilateBorder_16u_C1R, zebiErodeBorder_16u_C1R,
+                                               zebiMorphologyBorderGetSize_16u_C1R, zebiMorphologyBorderInit_16u_C1R};
+const Member<Zeb16s, 1, false, Zeb16s> k16sC1R{zebiDilateBorder_16s_C1R, zebiErodeBorder_16s_C1R,
+                                               zebiMorphologyBorderGetSize_16s_C1R, zebiMorphologyBorderInit_16s_C1R};
+const Member<Zeb32f, 1, false, Zeb32f> k32fC1R{zebiDilateBorder_32f_C1R, zebiErodeBorder_32f_C1R,
+                                               zebiMorphologyBorderGetSize_32f_C1R, zebiMorphologyBorderInit_32f_C1R};
+const Member<Zeb32f, 3, false, const Zeb32f*> k32fC3R{zebiDilateBorder_32f_C3R, zebiErodeBorder_32f_C3R,
+                                                      zebiMorphologyBorderGetSize_32f_C3R,
+                                                      zebiMorphologyBorderInit_32f_C3R};
+const Member<Zeb32f, 4, false, const Zeb32f*> k32fC4R{zebiDilateBorder_32f_C4R, zebiErodeBorder_32f_C4R,
+                                                      zebiMorphologyBorderGetSize_32f_C4R,
+                                                      zebiMorphologyBorderInit_32f_C4R};
 
 }  // namespace
 
-ZebStatus zebiMorphAdvGetSize_1u_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k1uC1R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_1u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k1uC1R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphOpenBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k1uC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k1uC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k1uC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k1uC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k1uC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_8u_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k8uC1R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_8u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k8uC1R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphAdvInitAlloc_8u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) { return init_alloc(k8uC1R, roi, mask, maskSize, spec); }
-ZebStatus zebiMorphOpenBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_8u_C3R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k8uC3R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_8u_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k8uC3R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphAdvInitAlloc_8u_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) { return init_alloc(k8uC3R, roi, mask, maskSize, spec); }
-ZebStatus zebiMorphOpenBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC3R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC3R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC3R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC3R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC3R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_8u_C4R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k8uC4R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_8u_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k8uC4R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphAdvInitAlloc_8u_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) { return init_alloc(k8uC4R, roi, mask, maskSize, spec); }
-ZebStatus zebiMorphOpenBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC4R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC4R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC4R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC4R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k8uC4R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_16u_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k16uC1R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_16u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k16uC1R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphOpenBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16uC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16uC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16uC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16uC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16uC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_16s_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k16sC1R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_16s_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k16sC1R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphOpenBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16sC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16sC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16sC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16sC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k16sC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_32f_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k32fC1R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_32f_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k32fC1R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphAdvInitAlloc_32f_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) { return init_alloc(k32fC1R, roi, mask, maskSize, spec); }
-ZebStatus zebiMorphOpenBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_32f_C3R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k32fC3R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_32f_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k32fC3R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphAdvInitAlloc_32f_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) { return init_alloc(k32fC3R, roi, mask, maskSize, spec); }
-ZebStatus zebiMorphOpenBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC3R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC3R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC3R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC3R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC3R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphAdvGetSize_32f_C4R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) { return get_size(k32fC4R, roi, mask, specSize, bufSize); }
-ZebStatus zebiMorphAdvInit_32f_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec, Zeb8u* buf) { return init(k32fC4R, roi, mask, maskSize, spec, buf); }
-ZebStatus zebiMorphAdvInitAlloc_32f_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) { return init_alloc(k32fC4R, roi, mask, maskSize, spec); }
-ZebStatus zebiMorphOpenBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC4R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphCloseBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC4R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphTophatBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC4R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphBlackhatBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC4R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf); }
-ZebStatus zebiMorphGradientBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi, ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) { return run(k32fC4R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf); }
+ZebStatus zebiMorphAdvGetSize_1u_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k1uC1R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_1u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                  Zeb8u* buf) {
+    return init(k1uC1R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphOpenBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                     Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k1uC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                      Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k1uC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                       Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k1uC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k1uC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_1u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k1uC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_8u_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k8uC1R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_8u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                  Zeb8u* buf) {
+    return init(k8uC1R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphAdvInitAlloc_8u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) {
+    return init_alloc(k8uC1R, roi, mask, maskSize, spec);
+}
+ZebStatus zebiMorphOpenBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                     Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                      Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                       Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_8u_C1R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, Zeb8u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_8u_C3R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k8uC3R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_8u_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                  Zeb8u* buf) {
+    return init(k8uC3R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphAdvInitAlloc_8u_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) {
+    return init_alloc(k8uC3R, roi, mask, maskSize, spec);
+}
+ZebStatus zebiMorphOpenBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                     const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC3R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                      const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC3R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                       const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC3R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec,
+                                         Zeb8u* buf) {
+    return run(k8uC3R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_8u_C3R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec,
+                                         Zeb8u* buf) {
+    return run(k8uC3R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_8u_C4R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k8uC4R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_8u_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                  Zeb8u* buf) {
+    return init(k8uC4R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphAdvInitAlloc_8u_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState** spec) {
+    return init_alloc(k8uC4R, roi, mask, maskSize, spec);
+}
+ZebStatus zebiMorphOpenBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                     const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC4R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                      const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC4R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi, ZebiBorderType bt,
+                                       const Zeb8u* bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k8uC4R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec,
+                                         Zeb8u* buf) {
+    return run(k8uC4R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_8u_C4R(const Zeb8u* src, int ss, Zeb8u* dst, int ds, ZebiSize roi,
+                                         ZebiBorderType bt, const Zeb8u* bv, const ZebiMorphAdvState* spec,
+                                         Zeb8u* buf) {
+    return run(k8uC4R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_16u_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k16uC1R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_16u_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                   Zeb8u* buf) {
+    return init(k16uC1R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphOpenBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                      ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16uC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                       ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16uC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                        ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16uC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16uC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_16u_C1R(const Zeb16u* src, int ss, Zeb16u* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, Zeb16u bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16uC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_16s_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k16sC1R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_16s_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                   Zeb8u* buf) {
+    return init(k16sC1R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphOpenBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                      ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16sC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                       ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16sC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                        ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16sC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16sC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_16s_C1R(const Zeb16s* src, int ss, Zeb16s* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, Zeb16s bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k16sC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_32f_C1R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k32fC1R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_32f_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                   Zeb8u* buf) {
+    return init(k32fC1R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphAdvInitAlloc_32f_C1R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize,
+                                        ZebiMorphAdvState** spec) {
+    return init_alloc(k32fC1R, roi, mask, maskSize, spec);
+}
+ZebStatus zebiMorphOpenBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                      ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k32fC1R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                       ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k32fC1R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                        ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k32fC1R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k32fC1R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_32f_C1R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, Zeb32f bv, const ZebiMorphAdvState* spec, Zeb8u* buf) {
+    return run(k32fC1R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_32f_C3R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k32fC3R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_32f_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                   Zeb8u* buf) {
+    return init(k32fC3R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphAdvInitAlloc_32f_C3R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize,
+                                        ZebiMorphAdvState** spec) {
+    return init_alloc(k32fC3R, roi, mask, maskSize, spec);
+}
+ZebStatus zebiMorphOpenBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                      ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                      Zeb8u* buf) {
+    return run(k32fC3R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                       ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                       Zeb8u* buf) {
+    return run(k32fC3R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                        ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                        Zeb8u* buf) {
+    return run(k32fC3R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                          Zeb8u* buf) {
+    return run(k32fC3R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_32f_C3R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                          Zeb8u* buf) {
+    return run(k32fC3R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphAdvGetSize_32f_C4R(ZebiSize roi, ZebiSize mask, int* specSize, int* bufSize) {
+    return get_size(k32fC4R, roi, mask, specSize, bufSize);
+}
+ZebStatus zebiMorphAdvInit_32f_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, ZebiMorphAdvState* spec,
+                                   Zeb8u* buf) {
+    return init(k32fC4R, roi, mask, maskSize, spec, buf);
+}
+ZebStatus zebiMorphAdvInitAlloc_32f_C4R(ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize,
+                                        ZebiMorphAdvState** spec) {
+    return init_alloc(k32fC4R, roi, mask, maskSize, spec);
+}
+ZebStatus zebiMorphOpenBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                      ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                      Zeb8u* buf) {
+    return run(k32fC4R, Kind::Open, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphCloseBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                       ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                       Zeb8u* buf) {
+    return run(k32fC4R, Kind::Close, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphTophatBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                        ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                        Zeb8u* buf) {
+    return run(k32fC4R, Kind::Tophat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphBlackhatBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                          Zeb8u* buf) {
+    return run(k32fC4R, Kind::Blackhat, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
+ZebStatus zebiMorphGradientBorder_32f_C4R(const Zeb32f* src, int ss, Zeb32f* dst, int ds, ZebiSize roi,
+                                          ZebiBorderType bt, const Zeb32f* bv, const ZebiMorphAdvState* spec,
+                                          Zeb8u* buf) {
+    return run(k32fC4R, Kind::Gradient, src, ss, dst, ds, roi, bt, bv, spec, buf);
+}
 ZebStatus zebiMorphAdvFree(ZebiMorphAdvState* spec) { return free_state(spec); }
 
 }  // namespace zeb::impl

@@ -167,74 +167,197 @@ ZEB_API ZebStatus zebiGrayErodeBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Z
 typedef struct ZebiMorphAdvState ZebiMorphAdvState;
 
 ZEB_API ZebStatus zebiMorphAdvGetSize_1u_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_1u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphOpenBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_1u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                          ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphOpenBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                             ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                             const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                              const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                               const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                                 const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_1u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                                 const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_8u_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_8u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
-ZEB_API ZebStatus zebiMorphOpenBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_8u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                          ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                               ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                             ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                             const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                              const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                               const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                                 const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_8u_C1R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType, Zeb8u borderValue,
+                                                 const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_8u_C3R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_8u_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
-ZEB_API ZebStatus zebiMorphOpenBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_8u_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                          ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                               ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                             ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[3],
+                                             const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType,
+                                              const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec,
+                                              Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType,
+                                               const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec,
+                                               Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType,
+                                                 const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec,
+                                                 Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_8u_C3R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType,
+                                                 const Zeb8u borderValue[3], const ZebiMorphAdvState* pSpec,
+                                                 Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_8u_C4R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_8u_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
-ZEB_API ZebStatus zebiMorphOpenBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_8u_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                          ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_8u_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                               ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                             ZebiSize roiSize, ZebiBorderType borderType, const Zeb8u borderValue[4],
+                                             const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType,
+                                              const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec,
+                                              Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType,
+                                               const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec,
+                                               Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType,
+                                                 const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec,
+                                                 Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_8u_C4R(const Zeb8u* pSrc, int srcStep, Zeb8u* pDst, int dstStep,
+                                                 ZebiSize roiSize, ZebiBorderType borderType,
+                                                 const Zeb8u borderValue[4], const ZebiMorphAdvState* pSpec,
+                                                 Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_16u_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_16u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphOpenBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_16u_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                           ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphOpenBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue,
+                                              const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue,
+                                               const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep,
+                                                ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue,
+                                                const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue,
+                                                  const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_16u_C1R(const Zeb16u* pSrc, int srcStep, Zeb16u* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType, Zeb16u borderValue,
+                                                  const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_16s_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_16s_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphOpenBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_16s_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                           ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphOpenBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue,
+                                              const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue,
+                                               const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep,
+                                                ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue,
+                                                const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue,
+                                                  const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_16s_C1R(const Zeb16s* pSrc, int srcStep, Zeb16s* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType, Zeb16s borderValue,
+                                                  const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_32f_C1R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_32f_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
-ZEB_API ZebStatus zebiMorphOpenBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue, const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_32f_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                           ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C1R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                                ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue,
+                                              const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue,
+                                               const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue,
+                                                const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue,
+                                                  const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_32f_C1R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType, Zeb32f borderValue,
+                                                  const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_32f_C3R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_32f_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
-ZEB_API ZebStatus zebiMorphOpenBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_32f_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                           ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C3R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                                ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType,
+                                              const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec,
+                                              Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType,
+                                               const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec,
+                                               Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                ZebiSize roiSize, ZebiBorderType borderType,
+                                                const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec,
+                                                Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType,
+                                                  const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec,
+                                                  Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_32f_C3R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType,
+                                                  const Zeb32f borderValue[3], const ZebiMorphAdvState* pSpec,
+                                                  Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvGetSize_32f_C4R(ZebiSize roiSize, ZebiSize maskSize, int* pSpecSize, int* pBufferSize);
-ZEB_API ZebStatus zebiMorphAdvInit_32f_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize, ZebiMorphAdvState** ppSpec);
-ZEB_API ZebStatus zebiMorphOpenBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphCloseBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphTophatBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
-ZEB_API ZebStatus zebiMorphGradientBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep, ZebiSize roiSize, ZebiBorderType borderType, const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInit_32f_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                           ZebiMorphAdvState* pSpec, Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphAdvInitAlloc_32f_C4R(ZebiSize roiSize, const Zeb8u* pMask, ZebiSize maskSize,
+                                                ZebiMorphAdvState** ppSpec);
+ZEB_API ZebStatus zebiMorphOpenBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                              ZebiSize roiSize, ZebiBorderType borderType,
+                                              const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec,
+                                              Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphCloseBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                               ZebiSize roiSize, ZebiBorderType borderType,
+                                               const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec,
+                                               Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphTophatBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                ZebiSize roiSize, ZebiBorderType borderType,
+                                                const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec,
+                                                Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphBlackhatBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType,
+                                                  const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec,
+                                                  Zeb8u* pBuffer);
+ZEB_API ZebStatus zebiMorphGradientBorder_32f_C4R(const Zeb32f* pSrc, int srcStep, Zeb32f* pDst, int dstStep,
+                                                  ZebiSize roiSize, ZebiBorderType borderType,
+                                                  const Zeb32f borderValue[4], const ZebiMorphAdvState* pSpec,
+                                                  Zeb8u* pBuffer);
 ZEB_API ZebStatus zebiMorphAdvFree(ZebiMorphAdvState* pSpec);
 
 ZEB_EXTERN_C_END
