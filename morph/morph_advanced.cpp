@@ -128,8 +128,9 @@ ZebStatus init(const M& m, ZebiSize roi, const Zeb8u* mask, ZebiSize maskSize, Z
     int s = 0, b = 0;
     (void)m.getSize(M::state_width(roi.width), maskSize, &s, &b);
     auto* base = reinterpret_cast<unsigned char*>(spec);
-    if (ZebStatus st = m.init(M::state_width(roi.width), mask, maskSize, reinterpret_cast<ZebiMorphState*>(base + 32), buf)) return st;
-    (void)m.init(M::state_width(roi.width), mask, maskSize, reinterpret_cast<ZebiMorphState*>(base + 32 + s), buf);
+    const int sw = M::state_width(roi.width);
+    if (ZebStatus st = m.init(sw, mask, maskSize, reinterpret_cast<ZebiMorphState*>(base + 32), buf)) return st;
+    (void)m.init(sw, mask, maskSize, reinterpret_cast<ZebiMorphState*>(base + 32 + s), buf);
     const AdvHeader h{roi.width, roi.height, maskSize.width, maskSize.height, (maskSize.width - 1) / 2,
                       (maskSize.height - 1) / 2, s, b};
     std::memcpy(base, &h, sizeof h);
@@ -171,7 +172,8 @@ ZebStatus run(const M& m, Kind kind, const T* src, int ss, T* dst, int ds, ZebiS
     if constexpr (kArray)
         if (bv == nullptr) return zebStsNullPtrErr;
     if (bad_roi(roi)) return zebStsSizeErr;
-    const StepReq rs{ss, M::row_bytes(roi.width), int32_t(sizeof(T))}, rd{ds, M::row_bytes(roi.width), int32_t(sizeof(T))};
+    const int64_t rowBytes = M::row_bytes(roi.width);
+    const StepReq rs{ss, rowBytes, int32_t(sizeof(T))}, rd{ds, rowBytes, int32_t(sizeof(T))};
     if (ZebStatus s = first_error({min_steps({rs, rd}), even_steps({rs, rd})})) return s;
     const int32_t mode = bt & 0xf;
     if (mode != 1 && mode != 6) return zebStsBorderErr;
