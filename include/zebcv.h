@@ -19,5 +19,6 @@
 #include "zebcv/feature.h"
 #include "zebcv/detect.h"
 #include "zebcv/morph.h"
+#include "zebcv/morph_advanced.h"
 
 #endif /* ZEBCV_H */
