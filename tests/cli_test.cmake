@@ -115,3 +115,22 @@ run(1 ${CLI} diff ${dir}/a16.pgm ${dir}/a16.pgm ${dir}/d16.jpg)
 if(NOT last_err MATCHES "JPEG holds 8-bit samples only")
   message(FATAL_ERROR "no clear refusal of a 16-bit JPEG: ${last_err}")
 endif()
+
+# fill and segment on a 4x2 PGM of 10 10 90 90 / 10 90 90 90: the
+# 4-connected region of 10 around 0,0 is 3 pixels in a 2x2 box; the range
+# 10..90 takes all 8; a seed outside the image is refused by the library.
+string(ASCII 80 53 10 52 32 50 10 50 53 53 10 10 10 90 90 10 90 90 90 pgm4)
+file(WRITE ${dir}/f.pgm "${pgm4}")
+run(0 ${CLI} fill ${dir}/f.pgm ${dir}/f.png --seed 0,0)
+if(NOT last_out MATCHES "equality fill \\(4-connected\\) from 0,0: 3 pixels in 0,0 2x2")
+  message(FATAL_ERROR "fill wrong: ${last_out}")
+endif()
+run(0 ${CLI} fill ${dir}/f.pgm ${dir}/f.png --seed 0,0 --range 0,80)
+if(NOT last_out MATCHES ": 8 pixels in 0,0 4x2")
+  message(FATAL_ERROR "range fill wrong: ${last_out}")
+endif()
+run(1 ${CLI} fill ${dir}/f.pgm ${dir}/f.png --seed 4,0)
+run(0 ${CLI} segment ${dir}/f.pgm ${dir}/s.png --cell 4)
+if(NOT last_out MATCHES "from 1 markers")
+  message(FATAL_ERROR "segment wrong: ${last_out}")
+endif()
