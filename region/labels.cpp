@@ -2,11 +2,20 @@
 // Marker labelling: every connected region of non-zero markers gets its own
 // label, found with the span flood fill in raster order of the regions'
 // first pixels.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "region/span_kernels.inl"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+#include "region/span_kernels.inl"
+
+#if HWY_ONCE
 #include <cstring>
 #include <limits>
 
 #include "core/checks.h"
 #include "core/dispatch.h"
+#include "core/simd_dispatch.h"
 #include "region/span_fill.h"
 
 namespace zeb::impl {
@@ -16,15 +25,33 @@ namespace {
 // A region is complete when its fill ends, so an earlier region with the
 // same label (labels wrap) never touches an unlabelled pixel: the label
 // alone tells the rescan what this fill took.
+// Runs of unlabelled pixels are found with the vector scans.
 template <class M>
 struct LabelPolicy {
     uint8_t* base;
-    int step;
+    int step, w;
     M unl, label;
-    M& at(int x, int y) const { return reinterpret_cast<M*>(base + std::ptrdiff_t(step) * y)[x]; }
+    int (*inRight)(const M*, int, int, M, M);
+    int (*outRight)(const M*, int, int, M, M);
+    int (*inLeft)(const M*, int, int, M, M);
+    M* row(int y) const { return reinterpret_cast<M*>(base + std::ptrdiff_t(step) * y); }
+    M& at(int x, int y) const { return row(y)[x]; }
     bool ok(int x, int y, int, int) const { return at(x, y) == unl; }
     void take(int x, int y) { at(x, y) = label; }
     bool taken(int x, int y) const { return at(x, y) == label; }
+    int extend_right(int x, int y) {
+        M* r = row(y);
+        const int e = inRight(r, x + 1, w, unl, unl);
+        for (int i = x + 1; i < e; ++i) r[i] = label;
+        return e - 1;
+    }
+    int extend_left(int x, int y) {
+        M* r = row(y);
+        const int b = inLeft(r, x - 1, 0, unl, unl) + 1;
+        for (int i = b; i < x; ++i) r[i] = label;
+        return b;
+    }
+    int find(int a, int b, int y) { return outRight(row(y), a, b + 1, unl, unl); }
 };
 
 // Labels the marker plane m, whose non-zero pixels already hold unl.
@@ -33,12 +60,17 @@ int label_plane(M* m, int step, ZebiSize roi, M unl, int minLabel, int maxLabel,
     const int64_t px = int64_t(roi.width) * roi.height;
     int64_t cap;
     region::Span* stack = region::stack_at(buf, 6 * px + 32, &cap);
-    LabelPolicy<M> p{reinterpret_cast<uint8_t*>(m), step, unl, M(minLabel)};
+    LabelPolicy<M> p{reinterpret_cast<uint8_t*>(m),
+                     step,
+                     roi.width,
+                     unl,
+                     M(minLabel),
+                     ZEB_DISPATCH(span::run_right<M, true>),
+                     ZEB_DISPATCH(span::run_right<M, false>),
+                     ZEB_DISPATCH(span::run_left<M>)};
     int count = 0;
     for (int y = 0; y < roi.height; ++y) {
-        const M* r = reinterpret_cast<const M*>(reinterpret_cast<const uint8_t*>(m) + std::ptrdiff_t(step) * y);
-        for (int x = 0; x < roi.width; ++x) {
-            if (r[x] != unl) continue;
+        for (int x = p.find(0, roi.width - 1, y); x < roi.width; x = p.find(x + 1, roi.width - 1, y)) {
             if (norm == 0)
                 region::SpanFill<LabelPolicy<M>, true>(p, roi.width, roi.height, stack, cap).run(x, y);
             else
@@ -115,3 +147,4 @@ ZEB_EXPORT(zebiLabelMarkersGetBufferSize_8u32s_C1R);
 ZEB_EXPORT(zebiLabelMarkers_8u_C1IR);
 ZEB_EXPORT(zebiLabelMarkers_16u_C1IR);
 ZEB_EXPORT(zebiLabelMarkers_8u32s_C1R);
+#endif  // HWY_ONCE

@@ -16,6 +16,17 @@
 //   bool taken(int x, int y)               whether the pixel was filled by
 //                                          this fill (the rescan below).
 // ok must be false for pixels already taken, so nothing is filled twice.
+// A policy may also offer whole-run forms, which the fill then uses instead
+// of the pixel-by-pixel loops:
+//   int extend_right(int x, int y)   take the candidates right of the taken
+//                                    pixel x, return the last one taken;
+//   int extend_left(int x, int y)    likewise leftwards, the first taken;
+//   int find(int a, int b, int y)    the first candidate in [a, b] of row y
+//                                    (b + 1 for none), for policies whose
+//                                    test does not depend on the reference;
+//   int find_ref(int a, int b, int y, int ry, int xl, int xr)
+//                                    the same for a test against the span
+//                                    [xl, xr] of row ry.
 //
 // The stack lives in the caller's buffer and is never overrun. A span that
 // finds the stack full is dropped; once the stack drains, a rescan of the
@@ -47,9 +58,7 @@ public:
         r_.x0 = r_.x1 = sx;
         r_.y0 = r_.y1 = sy;
         p_.take(sx, sy);
-        int l = sx, r = sx;
-        while (r + 1 < w_ && p_.ok(r + 1, sy, r, sy)) p_.take(++r, sy);
-        while (l > 0 && p_.ok(l - 1, sy, l, sy)) p_.take(--l, sy);
+        const int r = right(sx, sy), l = left(sx, sy);
         found(sy, l, r);
         if (h_ == 1) return r_;
         push({sy, l, r, r + 1, r, sy == h_ - 1 ? -1 : 1});
@@ -75,13 +84,28 @@ private:
             dropped_ = true;
     }
 
+    int right(int x, int y) {
+        if constexpr (requires { p_.extend_right(x, y); }) {
+            return p_.extend_right(x, y);
+        } else {
+            while (x + 1 < w_ && p_.ok(x + 1, y, x, y)) p_.take(++x, y);
+            return x;
+        }
+    }
+    int left(int x, int y) {
+        if constexpr (requires { p_.extend_left(x, y); }) {
+            return p_.extend_left(x, y);
+        } else {
+            while (x > 0 && p_.ok(x - 1, y, x, y)) p_.take(--x, y);
+            return x;
+        }
+    }
+
     // Fills the span through (x, y), a candidate already tested, and pushes
     // it with parent [pl, pr] on the row y + dir.
     int grow(int x, int y, int pl, int pr, int dir) {
         p_.take(x, y);
-        int l = x, r = x;
-        while (l > 0 && p_.ok(l - 1, y, l, y)) p_.take(--l, y);
-        while (r + 1 < w_ && p_.ok(r + 1, y, r, y)) p_.take(++r, y);
+        const int l = left(x, y), r = right(x, y);
         found(y, l, r);
         push({y, l, r, pl, pr, dir});
         return r;
@@ -91,6 +115,14 @@ private:
     // row y; the reference is the span pixel in the same column (the end
     // pixel for the diagonal steps past its ends).
     void scan(int ny, int a, int b, int y, int xl, int xr, int dir) {
+        if constexpr (requires { p_.find_ref(a, b, ny, y, xl, xr); }) {
+            for (int x = p_.find_ref(a, b, ny, y, xl, xr); x <= b; x = p_.find_ref(x, b, ny, y, xl, xr))
+                x = grow(x, ny, xl, xr, dir) + 1;
+            return;
+        } else if constexpr (requires { p_.find(a, b, ny); }) {
+            for (int x = p_.find(a, b, ny); x <= b; x = p_.find(x, b, ny)) x = grow(x, ny, xl, xr, dir) + 1;
+            return;
+        }
         for (int x = a; x <= b;) {
             if (p_.ok(x, ny, std::clamp(x, xl, xr), y))
                 x = grow(x, ny, xl, xr, dir) + 1;
