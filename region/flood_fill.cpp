@@ -109,7 +109,7 @@ struct FixedPolicy {
 
 // Gradient: the image stays as it was during the traversal; accepted pixels
 // are marked in a framed byte map and written afterwards.
-template <class T, int C>
+template <class T, int C, bool k8>
 struct GradPolicy {
     Pixels<T, C> img;
     uint8_t* map;  // (w + 2) x (h + 2), pixel (x, y) at (x + 1, y + 1)
@@ -137,6 +137,7 @@ struct GradPolicy {
     using Right = int (*)(const T*, const T*, int, const uint8_t*, int, int, T, T);
     Right accRight, rejRight;
     int (*accLeft)(const T*, const T*, int, const uint8_t*, int, int, T, T);
+    int (*find8)(const T*, const T*, const uint8_t*, int, int, T, T);
     uint8_t* mrow(int y) const { return map + std::ptrdiff_t(y + 1) * mw + 1; }
     void mark(int l, int r, int y) { std::memset(mrow(y) + l, 1, size_t(r - l + 1)); }
     int extend_right(int x, int y) {
@@ -159,12 +160,31 @@ struct GradPolicy {
         while (x > 0 && ok(x - 1, y, x, y)) take(--x, y);
         return x;
     }
-    // Candidates of row y next to the span [xl, xr] of row ry: the span's
-    // columns against the pixel above or below, the diagonal ends against
-    // the span's end pixels.
+    // Candidates of row y next to the span [xl, xr] of row ry. With
+    // 4-connectivity a pixel is tested against the span pixel above or
+    // below it; with 8-connectivity against each span pixel it touches
+    // (the two diagonal ones and the one above or below).
+    bool ok8(int x, int y, int ry, int xl, int xr) const {
+        for (int rx = std::max(x - 1, xl); rx <= std::min(x + 1, xr); ++rx)
+            if (ok(x, y, rx, ry)) return true;
+        return false;
+    }
     int find_ref(int a, int b, int y, int ry, int xl, int xr) {
-        for (; a <= b && a < xl; ++a)
-            if (ok(a, y, xl, ry)) return a;
+        if constexpr (k8) {
+            // Columns whose three neighbours all lie in the span go whole.
+            const int lo8 = std::max(a, xl + 1), hi8 = std::min(b, xr - 1);
+            for (; a <= b && a < lo8; ++a)
+                if (ok8(a, y, ry, xl, xr)) return a;
+            if constexpr (C == 1) {
+                if (a <= hi8) {
+                    a = find8(img.at(0, y), img.at(0, ry), mrow(y), a, hi8 + 1, lo[0], hi[0]);
+                    if (a <= hi8) return a;
+                }
+            }
+            for (; a <= b; ++a)
+                if (ok8(a, y, ry, xl, xr)) return a;
+            return a;
+        }
         const int mid = std::min(b, xr);
         if (a <= mid) {
             if constexpr (C == 1) {
@@ -293,16 +313,17 @@ ZebStatus fill_grad(T* img, int step, ZebiSize roi, ZebiPoint seed, const T* nv,
     int64_t cap;
     const int64_t left = mapBytes + 16 * px + 64 - (map - buf) - round8(mapBytes);
     Span* stack = region::stack_at(map + round8(mapBytes), left, &cap);
-    GradPolicy<T, C> p{{reinterpret_cast<uint8_t*>(img), step},
+    GradPolicy<T, C, k8> p{{reinterpret_cast<uint8_t*>(img), step},
                        map,
                        mw,
                        {},
                        {},
                        ZEB_DISPATCH(span::grad_right<T, true>),
                        ZEB_DISPATCH(span::grad_right<T, false>),
-                       ZEB_DISPATCH(span::grad_left<T>)};
+                       ZEB_DISPATCH(span::grad_left<T>),
+                       ZEB_DISPATCH(span::grad_find8<T>)};
     for (int c = 0; c < C; ++c) p.lo[c] = lo[c], p.hi[c] = hi[c];
-    const region::FillResult f = region::SpanFill<GradPolicy<T, C>, k8>(p, w, h, stack, cap).run(seed.x, seed.y);
+    const region::FillResult f = region::SpanFill<GradPolicy<T, C, k8>, k8>(p, w, h, stack, cap).run(seed.x, seed.y);
     for (int y = f.y0; y <= f.y1; ++y) {
         const uint8_t* mr = p.mrow(y);
         T* q = p.img.at(0, y);

@@ -113,6 +113,27 @@ int grad_right(const T* q, const T* r, int shift, const uint8_t* map, int x, int
     return end;
 }
 
+// The first i in [x, end) that is unvisited and passes the floating test
+// against any of r[i - 1], r[i], r[i + 1] (the diagonal and vertical
+// neighbours of 8-connectivity, all accepted), or end.
+template <class T>
+int grad_find8(const T* q, const T* r, const uint8_t* map, int x, int end, T lo, T hi) {
+    const Vd<T> d;
+    const int n = int(hn::Lanes(d));
+    const auto vlo = hn::Set(d, lo), vhi = hn::Set(d, hi);
+    for (; x + n <= end; x += n) {
+        const auto v = hn::LoadU(d, q + x);
+        const auto any = hn::Or(near(d, v, hn::LoadU(d, r + x - 1), vlo, vhi),
+                                hn::Or(near(d, v, hn::LoadU(d, r + x), vlo, vhi), near(d, v, hn::LoadU(d, r + x + 1), vlo, vhi)));
+        if (!hn::AllFalse(d, hn::And(unvisited(d, map + x), any))) break;
+    }
+    for (; x < end; ++x)
+        if (map[x] == 0 &&
+            (near(q[x], r[x - 1], lo, hi) || near(q[x], r[x], lo, hi) || near(q[x], r[x + 1], lo, hi)))
+            return x;
+    return end;
+}
+
 template <class T>
 int grad_left(const T* q, const T* r, int shift, const uint8_t* map, int x, int begin, T lo, T hi) {
     const Vd<T> d;

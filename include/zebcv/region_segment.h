@@ -18,8 +18,9 @@
  *              unsigned 32-bit arithmetic), so the range floats along the
  *              region. Along a row p is the accepted horizontal neighbour;
  *              between rows p is the pixel of the accepted span in the same
- *              column (for the diagonal steps of 8-connectivity past a
- *              span's end, the span's end pixel).
+ *              column, and with 8-connectivity q also passes against either
+ *              accepted diagonal neighbour in that span. The region is every
+ *              pixel reached through such steps.
  * 4Con regions connect through the 4 edge neighbours, 8Con through all 8.
  * Every pixel is filled at most once, also when newVal passes the range
  * test.
