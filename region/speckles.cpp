@@ -31,43 +31,46 @@ ZebStatus speckles(T* img, int step, ZebiSize roi, T newVal, int maxSize, T maxD
 
     const int w = roi.width, h = roi.height;
     const int64_t px = int64_t(w) * h;
+    const std::ptrdiff_t sw = step / std::ptrdiff_t(sizeof(T));  // the step in pixels (checked above)
     uint8_t* base = reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(buf) + 63) & ~uintptr_t(63));
     int32_t* labels = reinterpret_cast<int32_t*>(base);
     int32_t* stack = labels + px;                                 // {x, y} pairs
     uint8_t* flags = reinterpret_cast<uint8_t*>(stack + 2 * px);  // indexed by label
     std::memset(labels, 0, size_t(px) * sizeof(int32_t));
-    auto at = [&](int x, int y) -> T& { return reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(img) + std::ptrdiff_t(step) * y)[x]; };
 
     int32_t next = 1;
     for (int y = 0; y < h; ++y) {
+        T* row = img + sw * y;
+        int32_t* lrow = labels + int64_t(w) * y;
         for (int x = 0; x < w; ++x) {
-            T& v = at(x, y);
+            T& v = row[x];
             if (v == newVal) continue;
-            int32_t& lab = labels[int64_t(y) * w + x];
-            if (lab) {
-                if (flags[lab]) v = newVal;
+            if (lrow[x]) {
+                if (flags[lrow[x]]) v = newVal;
                 continue;
             }
-            lab = next;
-            int64_t sp = 0, count = 1;
-            stack[0] = x, stack[1] = y, sp = 1;
+            lrow[x] = next;
+            int64_t sp = 1, count = 1;
+            stack[0] = x, stack[1] = y;
             while (sp > 0) {
                 --sp;
-                const int px0 = stack[2 * sp], py0 = stack[2 * sp + 1];
-                const T pv = at(px0, py0);
-                auto visit = [&](int nx, int ny) {
-                    int32_t& nl = labels[int64_t(ny) * w + nx];
-                    if (nl) return;
-                    const T nv = at(nx, ny);
+                const int cx = stack[2 * sp], cy = stack[2 * sp + 1];
+                const T* c = img + sw * cy + cx;
+                int32_t* lc = labels + int64_t(w) * cy + cx;
+                const T pv = *c;
+                // Right, left, upper, lower: offsets in pixels and in labels.
+                auto visit = [&](std::ptrdiff_t di, std::ptrdiff_t dl, int nx, int ny) {
+                    if (lc[dl]) return;
+                    const T nv = c[di];
                     if (nv == newVal || !near(nv, pv, maxDiff)) return;
-                    nl = next;
+                    lc[dl] = next;
                     stack[2 * sp] = nx, stack[2 * sp + 1] = ny, ++sp;
                     ++count;
                 };
-                if (px0 + 1 < w) visit(px0 + 1, py0);
-                if (px0 > 0) visit(px0 - 1, py0);
-                if (py0 > 0) visit(px0, py0 - 1);
-                if (py0 + 1 < h) visit(px0, py0 + 1);
+                if (cx + 1 < w) visit(1, 1, cx + 1, cy);
+                if (cx > 0) visit(-1, -1, cx - 1, cy);
+                if (cy > 0) visit(-sw, -w, cx, cy - 1);
+                if (cy + 1 < h) visit(sw, w, cx, cy + 1);
             }
             const bool speckle = count <= int64_t(maxSize);
             flags[next] = speckle;
