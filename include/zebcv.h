@@ -20,5 +20,6 @@
 #include "zebcv/detect.h"
 #include "zebcv/morph.h"
 #include "zebcv/morph_advanced.h"
+#include "zebcv/region_segment.h"
 
 #endif /* ZEBCV_H */
