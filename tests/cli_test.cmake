@@ -118,10 +118,9 @@ endif()
 
 # Edges and corners: the demo's images, a 16-bit input through the float
 # detector, and refusals of what the commands do not take.
-foreach(f edges.png edges_l2.png corners.png)
 # morph: the demo's images; a 1x1 element changes nothing; the 3x3
 # dilation of the 16-bit image above at 16 bits; bad arguments.
-foreach(f morph_gradient.png morph_tophat.png morph_close.png morph_domes.png)
+foreach(f edges.png edges_l2.png corners.png morph_gradient.png morph_tophat.png morph_close.png morph_domes.png)
   if(NOT EXISTS ${dir}/${f})
     message(FATAL_ERROR "demo did not write ${f}")
   endif()
