@@ -96,6 +96,13 @@ HWY_INLINE void PlainRowSums(const uint8_t* HWY_RESTRICT src, int w, const O* HW
     const hn::Repartition<uint16_t, decltype(du)> d16;
     const hn::Half<decltype(d16)> dh;
     const hn::Rebind<uint8_t, decltype(d16)> d8;
+    const hn::Repartition<uint64_t, decltype(d16)> d64;
+    const hn::Repartition<uint8_t, decltype(d16)> d8x;
+    // Bytes 8..15 of each block take bytes 6 and 7 (the 16-bit lane 3);
+    // bytes 0..7 are cleared.
+    uint8_t pick[hn::MaxLanes(d8x)];
+    for (size_t i = 0; i < hn::MaxLanes(d8x); ++i) pick[i] = i % 16 < 8 ? 0x80 : uint8_t(6 + i % 2);
+    const auto groupTotal = hn::LoadU(d8x, pick);
     constexpr int kN = int(hn::MaxLanes(du)), kStep = 2 * kN;
     uint32_t lanes[kN];
     for (int i = 0; i < kN; ++i) lanes[i] = uint32_t(kN - 1);
@@ -111,10 +118,12 @@ HWY_INLINE void PlainRowSums(const uint8_t* HWY_RESTRICT src, int w, const O* HW
     }
     auto carry = hn::Set(du, s);
     for (; x + kStep <= w; x += kStep) {
+        // Prefix over each group of four values by bit shifts within 64-bit
+        // lanes, then the upper group of each block adds the lower's total.
         auto p = hn::PromoteTo(d16, hn::LoadU(d8, src + x));
-        p = hn::Add(p, hn::ShiftLeftLanes<1>(d16, p));
-        p = hn::Add(p, hn::ShiftLeftLanes<2>(d16, p));
-        p = hn::Add(p, hn::ShiftLeftLanes<4>(d16, p));
+        p = hn::Add(p, hn::BitCast(d16, hn::ShiftLeft<16>(hn::BitCast(d64, p))));
+        p = hn::Add(p, hn::BitCast(d16, hn::ShiftLeft<32>(hn::BitCast(d64, p))));
+        p = hn::Add(p, hn::BitCast(d16, hn::TableLookupBytesOr0(hn::BitCast(d8x, p), groupTotal)));
         auto lo = hn::PromoteTo(du, hn::LowerHalf(dh, p));
         auto hi = hn::PromoteTo(du, hn::UpperHalf(dh, p));
         if constexpr (kN == 16) {
