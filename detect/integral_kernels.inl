@@ -77,7 +77,8 @@ HWY_INLINE void StoreRowSums(D d, const hn::TFromD<D>* HWY_RESTRICT above, VU s,
 
 // Upright rows of plain pixel values. Two output vectors' worth of values
 // are summed in 16-bit lanes, where a prefix sum over a 16-byte block takes
-// three shifts and holds eight values; the 16-bit vector is then widened
+// two bit shifts within 64-bit lanes and one byte shuffle and holds eight
+// values; the 16-bit vector is then widened
 // into two 32-bit vectors. With 16-byte and 32-byte vectors each 32-bit
 // vector holds at most one block, so no prefix step crosses a block; with
 // 64-byte vectors each holds two blocks and its upper block takes the lower
