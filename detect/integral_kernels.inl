@@ -75,20 +75,35 @@ HWY_INLINE void StoreRowSums(D d, const hn::TFromD<D>* HWY_RESTRICT above, VU s,
     }
 }
 
-// Upright rows of plain pixel values. Sixteen values (eight on 16-byte
-// vectors) are summed in 16-bit lanes, where a prefix sum over a 16-byte
-// block takes three shifts and holds eight values; each block is then
-// widened into one 32-bit vector, so no prefix step crosses a block. The
-// carries (block totals) are added off the chain of the running sum. Out
-// reaches a vector boundary after a scalar head.
+// Upright rows of plain pixel values. Two output vectors' worth of values
+// are summed in 16-bit lanes, where a prefix sum over a 16-byte block takes
+// two bit shifts within 64-bit lanes and one byte shuffle and holds eight
+// values; the 16-bit vector is then widened
+// into two 32-bit vectors. With 16-byte and 32-byte vectors each 32-bit
+// vector holds at most one block, so no prefix step crosses a block; with
+// 64-byte vectors each holds two blocks and its upper block takes the lower
+// block's total by a masked broadcast. The carries (block totals) are added
+// off the chain of the running sum. Out reaches a vector boundary after a
+// scalar head.
 template <class O>
 HWY_INLINE void PlainRowSums(const uint8_t* HWY_RESTRICT src, int w, const O* HWY_RESTRICT above,
                              O* HWY_RESTRICT out) {
-    const hn::CappedTag<O, 8> d;  // one block of 16-bit values per vector
+#if HWY_TARGET == HWY_AVX3
+    const Vd<O> d;  // two blocks of 16-bit values per 32-bit vector
+#else
+    const hn::CappedTag<O, 8> d;  // at most one block of 16-bit values per 32-bit vector
+#endif
     const hn::RebindToUnsigned<decltype(d)> du;
     const hn::Repartition<uint16_t, decltype(du)> d16;
     const hn::Half<decltype(d16)> dh;
     const hn::Rebind<uint8_t, decltype(d16)> d8;
+    const hn::Repartition<uint64_t, decltype(d16)> d64;
+    const hn::Repartition<uint8_t, decltype(d16)> d8x;
+    // Bytes 8..15 of each block take bytes 6 and 7 (the 16-bit lane 3);
+    // bytes 0..7 are cleared.
+    uint8_t pick[hn::MaxLanes(d8x)];
+    for (size_t i = 0; i < hn::MaxLanes(d8x); ++i) pick[i] = i % 16 < 8 ? 0x80 : uint8_t(6 + i % 2);
+    const auto groupTotal = hn::LoadU(d8x, pick);
     constexpr int kN = int(hn::MaxLanes(du)), kStep = 2 * kN;
     uint32_t lanes[kN];
     for (int i = 0; i < kN; ++i) lanes[i] = uint32_t(kN - 1);
@@ -104,14 +119,27 @@ HWY_INLINE void PlainRowSums(const uint8_t* HWY_RESTRICT src, int w, const O* HW
     }
     auto carry = hn::Set(du, s);
     for (; x + kStep <= w; x += kStep) {
+        // Prefix over each group of four values by bit shifts within 64-bit
+        // lanes, then the upper group of each block adds the lower's total.
         auto p = hn::PromoteTo(d16, hn::LoadU(d8, src + x));
-        p = hn::Add(p, hn::ShiftLeftLanes<1>(d16, p));
-        p = hn::Add(p, hn::ShiftLeftLanes<2>(d16, p));
-        p = hn::Add(p, hn::ShiftLeftLanes<4>(d16, p));
-        const auto lo = hn::PromoteTo(du, hn::LowerHalf(dh, p));
+        p = hn::Add(p, hn::BitCast(d16, hn::ShiftLeft<16>(hn::BitCast(d64, p))));
+        p = hn::Add(p, hn::BitCast(d16, hn::ShiftLeft<32>(hn::BitCast(d64, p))));
+        p = hn::Add(p, hn::BitCast(d16, hn::TableLookupBytesOr0(hn::BitCast(d8x, p), groupTotal)));
+        auto lo = hn::PromoteTo(du, hn::LowerHalf(dh, p));
         auto hi = hn::PromoteTo(du, hn::UpperHalf(dh, p));
-        const auto loTotal = hn::TableLookupLanes(lo, last);
-        if constexpr (kN == 8) hi = hn::Add(hi, loTotal);  // two blocks: the upper one starts after the lower
+        if constexpr (kN == 16) {
+            // Four blocks: lanes 8..15 of each vector add lane 7 (the total of
+            // the block below), then the upper vector adds the lower's total.
+            uint32_t seven[kN];
+            for (int i = 0; i < kN; ++i) seven[i] = 7;
+            const auto lowerBlockLast = hn::SetTableIndices(du, seven);
+            const auto upperBlock = hn::Not(hn::FirstN(du, kN / 2));
+            lo = hn::Add(lo, hn::IfThenElseZero(upperBlock, hn::TableLookupLanes(lo, lowerBlockLast)));
+            const auto hiBelow = hn::IfThenElseZero(upperBlock, hn::TableLookupLanes(hi, lowerBlockLast));
+            hi = hn::Add(hn::Add(hi, hiBelow), hn::TableLookupLanes(lo, last));
+        } else if constexpr (kN == 8) {
+            hi = hn::Add(hi, hn::TableLookupLanes(lo, last));  // two blocks: the upper one starts after the lower
+        }
         StoreRowSums(d, above + x, hn::Add(carry, lo), out + x);
         StoreRowSums(d, above + x + kN, hn::Add(carry, hi), out + x + kN);
         carry = hn::Add(carry, hn::TableLookupLanes(hi, last));
