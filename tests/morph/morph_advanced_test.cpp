@@ -12,7 +12,81 @@
 #include "core/zebcore_test_hooks.h"
 #include "harness.h"
 
-// One line per member layout: suffix, sample type, channels.
+// Each member layout: its five operations, size query and state preparation.
+#define ZT_ADV_8u_C1R(X) \
+    X(zebiMorphOpenBorder_8u_C1R,\
+      zebiMorphCloseBorder_8u_C1R,\
+      zebiMorphTophatBorder_8u_C1R,\
+      zebiMorphBlackhatBorder_8u_C1R,\
+      zebiMorphGradientBorder_8u_C1R,\
+      zebiMorphAdvGetSize_8u_C1R,\
+      zebiMorphAdvInit_8u_C1R)
+#define ZT_ADV_8u_C3R(X) \
+    X(zebiMorphOpenBorder_8u_C3R,\
+      zebiMorphCloseBorder_8u_C3R,\
+      zebiMorphTophatBorder_8u_C3R,\
+      zebiMorphBlackhatBorder_8u_C3R,\
+      zebiMorphGradientBorder_8u_C3R,\
+      zebiMorphAdvGetSize_8u_C3R,\
+      zebiMorphAdvInit_8u_C3R)
+#define ZT_ADV_8u_C4R(X) \
+    X(zebiMorphOpenBorder_8u_C4R,\
+      zebiMorphCloseBorder_8u_C4R,\
+      zebiMorphTophatBorder_8u_C4R,\
+      zebiMorphBlackhatBorder_8u_C4R,\
+      zebiMorphGradientBorder_8u_C4R,\
+      zebiMorphAdvGetSize_8u_C4R,\
+      zebiMorphAdvInit_8u_C4R)
+#define ZT_ADV_16u_C1R(X) \
+    X(zebiMorphOpenBorder_16u_C1R,\
+      zebiMorphCloseBorder_16u_C1R,\
+      zebiMorphTophatBorder_16u_C1R,\
+      zebiMorphBlackhatBorder_16u_C1R,\
+      zebiMorphGradientBorder_16u_C1R,\
+      zebiMorphAdvGetSize_16u_C1R,\
+      zebiMorphAdvInit_16u_C1R)
+#define ZT_ADV_16s_C1R(X) \
+    X(zebiMorphOpenBorder_16s_C1R,\
+      zebiMorphCloseBorder_16s_C1R,\
+      zebiMorphTophatBorder_16s_C1R,\
+      zebiMorphBlackhatBorder_16s_C1R,\
+      zebiMorphGradientBorder_16s_C1R,\
+      zebiMorphAdvGetSize_16s_C1R,\
+      zebiMorphAdvInit_16s_C1R)
+#define ZT_ADV_32f_C1R(X) \
+    X(zebiMorphOpenBorder_32f_C1R,\
+      zebiMorphCloseBorder_32f_C1R,\
+      zebiMorphTophatBorder_32f_C1R,\
+      zebiMorphBlackhatBorder_32f_C1R,\
+      zebiMorphGradientBorder_32f_C1R,\
+      zebiMorphAdvGetSize_32f_C1R,\
+      zebiMorphAdvInit_32f_C1R)
+#define ZT_ADV_32f_C3R(X) \
+    X(zebiMorphOpenBorder_32f_C3R,\
+      zebiMorphCloseBorder_32f_C3R,\
+      zebiMorphTophatBorder_32f_C3R,\
+      zebiMorphBlackhatBorder_32f_C3R,\
+      zebiMorphGradientBorder_32f_C3R,\
+      zebiMorphAdvGetSize_32f_C3R,\
+      zebiMorphAdvInit_32f_C3R)
+#define ZT_ADV_32f_C4R(X) \
+    X(zebiMorphOpenBorder_32f_C4R,\
+      zebiMorphCloseBorder_32f_C4R,\
+      zebiMorphTophatBorder_32f_C4R,\
+      zebiMorphBlackhatBorder_32f_C4R,\
+      zebiMorphGradientBorder_32f_C4R,\
+      zebiMorphAdvGetSize_32f_C4R,\
+      zebiMorphAdvInit_32f_C4R)
+#define ZT_ADV_1u_C1R(X) \
+    X(zebiMorphOpenBorder_1u_C1R,\
+      zebiMorphCloseBorder_1u_C1R,\
+      zebiMorphTophatBorder_1u_C1R,\
+      zebiMorphBlackhatBorder_1u_C1R,\
+      zebiMorphGradientBorder_1u_C1R,\
+      zebiMorphAdvGetSize_1u_C1R,\
+      zebiMorphAdvInit_1u_C1R)
+// The multi-byte layouts: suffix, sample type, channels (the bit layout is
+// tested beside the byte one).
 #define ZT_LAYOUTS(X)      \
     X(8u_C1R, Zeb8u, 1)    \
     X(8u_C3R, Zeb8u, 3)    \
@@ -22,17 +96,23 @@
     X(32f_C1R, Zeb32f, 1)  \
     X(32f_C3R, Zeb32f, 3)  \
     X(32f_C4R, Zeb32f, 4)
-
-#define ZT_DECLARE(suf, T, ch)                   \
-    ZEB_TEST_TABLE(zebiMorphOpenBorder_##suf);     \
-    ZEB_TEST_TABLE(zebiMorphCloseBorder_##suf);    \
-    ZEB_TEST_TABLE(zebiMorphTophatBorder_##suf);   \
-    ZEB_TEST_TABLE(zebiMorphBlackhatBorder_##suf); \
-    ZEB_TEST_TABLE(zebiMorphGradientBorder_##suf); \
-    ZEB_TEST_TABLE(zebiMorphAdvGetSize_##suf);     \
-    ZEB_TEST_TABLE(zebiMorphAdvInit_##suf);
-ZT_LAYOUTS(ZT_DECLARE)
-ZT_DECLARE(1u_C1R, Zeb8u, 1)
+#define ZT_DECLARE(o, c, t, b, g, size, init) \
+    ZEB_TEST_TABLE(o);                        \
+    ZEB_TEST_TABLE(c);                        \
+    ZEB_TEST_TABLE(t);                        \
+    ZEB_TEST_TABLE(b);                        \
+    ZEB_TEST_TABLE(g);                        \
+    ZEB_TEST_TABLE(size);                     \
+    ZEB_TEST_TABLE(init);
+ZT_ADV_8u_C1R(ZT_DECLARE)
+ZT_ADV_8u_C3R(ZT_DECLARE)
+ZT_ADV_8u_C4R(ZT_DECLARE)
+ZT_ADV_16u_C1R(ZT_DECLARE)
+ZT_ADV_16s_C1R(ZT_DECLARE)
+ZT_ADV_32f_C1R(ZT_DECLARE)
+ZT_ADV_32f_C3R(ZT_DECLARE)
+ZT_ADV_32f_C4R(ZT_DECLARE)
+ZT_ADV_1u_C1R(ZT_DECLARE)
 #undef ZT_DECLARE
 
 namespace {
@@ -55,16 +135,12 @@ struct Layout {
     ZebStatus (*const* size)(ZebiSize, ZebiSize, int*, int*);
     ZebStatus (*const* init)(ZebiSize, const Zeb8u*, ZebiSize, ZebiMorphAdvState*, Zeb8u*);
 };
-#define ZT_LAYOUT(suf)                                                                              \
-    Layout<std::remove_const_t<std::remove_pointer_t<                                               \
-               std::tuple_element_t<0, std::tuple<decltype(zt_first_arg(zebiMorphOpenBorder_##suf))>>>>, \
-           decltype(zt_border_arg(zebiMorphOpenBorder_##suf))> {                                    \
-        #suf,                                                                                       \
-            {zeb_tbl_zebiMorphOpenBorder_##suf, zeb_tbl_zebiMorphCloseBorder_##suf,                 \
-             zeb_tbl_zebiMorphTophatBorder_##suf, zeb_tbl_zebiMorphBlackhatBorder_##suf,            \
-             zeb_tbl_zebiMorphGradientBorder_##suf},                                                \
-            zeb_tbl_zebiMorphAdvGetSize_##suf, zeb_tbl_zebiMorphAdvInit_##suf                       \
+#define ZT_LAYOUT7(o, c, t, b, g, size, init)                                                      \
+    Layout<std::remove_const_t<std::remove_pointer_t<std::tuple_element_t<0, std::tuple<decltype(zt_first_arg(o))>>>>, \
+           decltype(zt_border_arg(o))> {                                                                \
+        #o, {zeb_tbl_##o, zeb_tbl_##c, zeb_tbl_##t, zeb_tbl_##b, zeb_tbl_##g}, zeb_tbl_##size, zeb_tbl_##init \
     }
+#define ZT_LAYOUT(suf) ZT_ADV_##suf(ZT_LAYOUT7)
 template <class T, class BV>
 T* zt_first_arg(OpFn<T, BV>*);
 template <class T, class BV>
