@@ -16,5 +16,6 @@
 #include "zebcv/arith.h"
 #include "zebcv/stats.h"
 #include "zebcv/filter.h"
+#include "zebcv/region_distance.h"
 
 #endif /* ZEBCV_H */
