@@ -8,8 +8,9 @@
 // min-heap of (value, pixel) pairs in the work buffer; a pixel whose value
 // drops is pushed again and its older entries are skipped when they come
 // up (they no longer match the destination). A full heap first drops its
-// stale entries; if it is still full, the new candidate stays in the
-// destination only and the smallest such value is remembered: before the
+// stale entries, once enough have piled up to pay; if it is still full,
+// the new candidate stays in the destination only and the smallest such
+// value is remembered: before the
 // heap would hand out a larger one, the candidates are gathered again from
 // the destination, keeping the heap's capacity of the smallest. So the
 // order of fixing, and every result, is that of an unbounded heap.
@@ -57,6 +58,7 @@ public:
         if (y + 1 < h_ && fixed(at(x, y + 1))) b = std::min(b, at(x, y + 1));
         const float t = ref::eikonal(a, b);
         if (!(t < -cell)) return;
+        if (-cell <= radius_) ++stale_;  // its earlier entry, if still held, is stale now
         cell = -t;
         if (t <= radius_) push({t, uint32_t(y) * uint32_t(w_) + uint32_t(x)});
     }
@@ -92,7 +94,8 @@ private:
     }
 
     void push(Entry e) {
-        if (size_ == cap_) {
+        if (size_ == cap_ && stale_ >= cap_ / 4) {
+            stale_ = 0;
             size_ = std::size_t(std::remove_if(heap_, heap_ + size_, [&](const Entry& q) { return !current(q); }) -
                                 heap_);
             std::make_heap(heap_, heap_ + size_, later);
@@ -110,6 +113,7 @@ private:
     // rest remembered.
     void regather() {
         size_ = 0;
+        stale_ = 0;
         dropped_ = kInf;
         for (int y = 0; y < h_; ++y) {
             const float* r = row(d_, ds_, y);
@@ -138,6 +142,7 @@ private:
     float radius_;
     Entry* heap_;
     std::size_t cap_, size_ = 0;
+    std::size_t stale_ = 0;  // entries made stale since the last clean-up (an upper bound)
     float dropped_ = kInf;  // the smallest candidate left out of a full heap
 };
 
