@@ -115,3 +115,26 @@ run(1 ${CLI} diff ${dir}/a16.pgm ${dir}/a16.pgm ${dir}/d16.jpg)
 if(NOT last_err MATCHES "JPEG holds 8-bit samples only")
   message(FATAL_ERROR "no clear refusal of a 16-bit JPEG: ${last_err}")
 endif()
+
+# distance: a 5x1 image "0 8 8 8 8" (the difference of "1 9 9 9 9" and
+# "1 1 1 1 1": a file cannot hold a zero byte here) has its far end 4
+# steps from the zero pixel under every metric; an image without a zero
+# pixel is refused.
+foreach(f distance_l2.png distance_exact.png distance_march.png)
+  if(NOT EXISTS ${dir}/${f})
+    message(FATAL_ERROR "demo did not write ${f}")
+  endif()
+endforeach()
+string(ASCII 80 53 10 53 32 49 10 50 53 53 10 1 9 9 9 9 dist_a)
+string(ASCII 80 53 10 53 32 49 10 50 53 53 10 1 1 1 1 1 dist_b)
+file(WRITE ${dir}/line_a.pgm "${dist_a}")
+file(WRITE ${dir}/line_b.pgm "${dist_b}")
+run(0 ${CLI} diff ${dir}/line_a.pgm ${dir}/line_b.pgm ${dir}/line.pgm)
+foreach(metric c l1 l2 exact march)
+  run(0 ${CLI} distance ${dir}/line.pgm ${dir}/dist.png --metric ${metric})
+  if(NOT last_out MATCHES "largest distance 4\\.000 at \\(4,0\\)")
+    message(FATAL_ERROR "distance --metric ${metric} wrong: ${last_out}")
+  endif()
+endforeach()
+run(1 ${CLI} distance ${dir}/frame0.png ${dir}/dist.png)
+run(2 ${CLI} distance ${dir}/line.pgm ${dir}/dist.png --metric l3)
