@@ -6,8 +6,9 @@
 // one or two rows are combined for a whole row at once with vector minima
 // (the half is symmetric in x, so the forward and backward passes share
 // that step, reading the rows above or below); the neighbour in the same
-// row then runs as one scalar scan, left to right or right to left. Taking
-// the minima in that order gives exactly the pixel-by-pixel definition:
+// row then runs as a running minimum, left to right or right to left,
+// vector by vector (scan_row). Taking the minima in that order gives
+// exactly the pixel-by-pixel definition:
 // every term is formed from the same values, and min(p, q) + w equals
 // min(p + w, q + w) for saturating and for rounded float sums.
 //
@@ -118,21 +119,110 @@ HWY_INLINE void from_rows(T* HWY_RESTRICT cur, const T* HWY_RESTRICT r1, const T
 // The same-row neighbour: a running minimum left to right (forward) or
 // right to left, one dependent step per pixel.
 template <class T, bool kForward>
-HWY_INLINE void scan_row(T* d, int w, T a) {
+HWY_INLINE void scan_scalar(T* d, int from, int w, T a) {
     if (kForward) {
-        T prev = d[0];
-        for (int x = 1; x < w; ++x) {
+        T prev = d[from - 1];
+        for (int x = from; x < w; ++x) {
             const T s = ref::step_sum(prev, a);
             prev = s < d[x] ? s : d[x];
             d[x] = prev;
         }
     } else {
-        T prev = d[w - 1];
-        for (int x = w - 2; x >= 0; --x) {
+        T prev = d[from + 1];
+        for (int x = from; x >= 0; --x) {
             const T s = ref::step_sum(prev, a);
             prev = s < d[x] ? s : d[x];
             d[x] = prev;
         }
+    }
+}
+
+// v shifted by k lanes toward the scan direction, far values shifted in.
+template <bool kForward, int k, class D>
+HWY_INLINE hn::Vec<D> ShiftAlong(D d, hn::Vec<D> v, hn::Vec<D> far) {
+    if constexpr (kForward)
+        return ShiftInPrev<k>(d, v, far);
+    else
+        return ShiftInNext<k>(d, v, far);
+}
+template <bool kForward, class D>
+HWY_INLINE hn::Vec<D> BlockAlong(D d, hn::Vec<D> v, hn::Vec<D> far) {
+    if constexpr (kForward)
+        return BlockBefore(d, v, far);
+    else
+        return BlockAfter(d, v, far);
+}
+
+// The running minimum of a whole vector as a prefix minimum in log2(lanes)
+// shifted steps: lane i takes min(itself, the lane s before it plus s
+// steps of a) for s = 1, 2, 4, ...; the value carried in from the previous
+// vector enters the first lane plus one step. Every term is then some
+// value plus a chain of steps: integer chains saturate, so s steps add
+// min(s a, far) at once; float chains add a s times in a row, the very
+// additions of the pixel-by-pixel scan (min(p, q) + a equals
+// min(p + a, q + a) when rounded), so the results are bit for bit the
+// scalar scan's.
+template <bool kForward, int s, class D>
+HWY_INLINE hn::Vec<D> ShiftBy(D d, hn::Vec<D> v, hn::Vec<D> far) {
+    constexpr int kBlock = 16 / int(sizeof(hn::TFromD<D>));
+    if constexpr (s < kBlock) {
+        return ShiftAlong<kForward, s>(d, v, far);
+    } else if constexpr (s == kBlock) {
+        return BlockAlong<kForward>(d, v, far);
+    } else {
+        static_assert(s == 2 * kBlock, "vectors hold at most four blocks");
+        return BlockAlong<kForward>(d, BlockAlong<kForward>(d, v, far), far);
+    }
+}
+
+template <bool kForward, int s, class D>
+HWY_INLINE hn::Vec<D> PrefixStep(D d, hn::Vec<D> v, hn::Vec<D> far, hn::TFromD<D> a) {
+    using T = hn::TFromD<D>;
+    hn::Vec<D> t = ShiftBy<kForward, s>(d, v, far);
+    if constexpr (hwy::IsFloat<T>()) {
+        const auto va = hn::Set(d, a);
+        for (int k = 0; k < s; ++k) t = hn::Add(t, va);
+    } else {
+        t = hn::SaturatedAdd(t, hn::Set(d, T(std::min<uint32_t>(uint32_t(s) * a, ref::far_value<T>()))));
+    }
+    return hn::Min(v, t);
+}
+
+template <class T, bool kForward>
+HWY_INLINE void scan_row(T* d, int w, T a) {
+    const Vd<T> dt;
+    constexpr int N = int(hn::MaxLanes(Vd<T>()));
+    if (w < 2 * N) {
+        if (w > 1) scan_scalar<T, kForward>(d, kForward ? 1 : w - 2, w, a);
+        return;
+    }
+    const auto far = hn::Set(dt, ref::far_value<T>());
+    const auto entry = kForward ? hn::FirstN(dt, 1) : hn::Not(hn::FirstN(dt, N - 1));
+    auto prefix = [&](hn::Vec<Vd<T>> v, T carry) HWY_ATTR {
+        v = hn::Min(v, hn::IfThenElse(entry, hn::Set(dt, ref::step_sum(carry, a)), far));
+        v = PrefixStep<kForward, 1>(dt, v, far, a);
+        if constexpr (N > 2) v = PrefixStep<kForward, 2>(dt, v, far, a);
+        if constexpr (N > 4) v = PrefixStep<kForward, 4>(dt, v, far, a);
+        if constexpr (N > 8) v = PrefixStep<kForward, 8>(dt, v, far, a);
+        if constexpr (N > 16) v = PrefixStep<kForward, 16>(dt, v, far, a);
+        if constexpr (N > 32) v = PrefixStep<kForward, 32>(dt, v, far, a);
+        return v;
+    };
+    T carry = ref::far_value<T>();
+    if (kForward) {
+        int x = 0;
+        for (; x + N <= w; x += N) {
+            hn::StoreU(prefix(hn::LoadU(dt, d + x), carry), dt, d + x);
+            carry = d[x + N - 1];
+        }
+        if (x < w) scan_scalar<T, true>(d, x, w, a);
+    } else {
+        int x = w - N;
+        for (; x >= 0; x -= N) {
+            hn::StoreU(prefix(hn::LoadU(dt, d + x), carry), dt, d + x);
+            carry = d[x];
+        }
+        if (x + N > 0) scan_scalar<T, false>(d, x + N - 1, w, a);
     }
 }
 

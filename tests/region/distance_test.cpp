@@ -192,7 +192,7 @@ void binarise(Image<T>& img, int percent) {
 template <class T, class M>
 void check_against_definition(const Chamfer<T, M>& c, const std::vector<std::vector<M>>& masks) {
     const std::vector<std::pair<int, int>> sizes = {{1, 1}, {1, 9}, {11, 1}, {2, 2}, {7, 5},
-                                                    {17, 6}, {33, 9}, {67, 4}, {130, 7}};
+                                                    {17, 6}, {33, 9}, {67, 4}, {130, 7}, {261, 3}};
     for (auto [w, h] : sizes)
         for (int percent : {0, 1, 10, 60})
             for (const auto& mask : masks) {
