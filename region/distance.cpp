@@ -98,8 +98,8 @@ ZebStatus zebiGetDistanceTransformMask_32s(int kerSize, ZebiNorm norm, Zeb32s* p
 ZebStatus zebiGetDistanceTransformMask_32f(int kerSize, ZebiNorm norm, Zeb32f* pMetrics) {
     return get_mask(kerSize, norm, pMetrics);
 }
+// The norm digit is checked before anything else, the pointer included.
 ZebStatus zebiGetDistanceTransformMask(int maskType, Zeb32f* pMetrics) {
-    if (pMetrics == nullptr) return zebStsNullPtrErr;
     const int norm = maskType % 10;
     if (norm < 0 || norm > 2) return zebStsBadArgErr;
     return get_mask(maskType / 10, norm, pMetrics);

@@ -49,8 +49,8 @@ ZEB_EXTERN_C_BEGIN
  * or 5 (-6); norm not 0, 1 or 2 (-5). */
 ZEB_API ZebStatus zebiGetDistanceTransformMask_32s(int kerSize, ZebiNorm norm, Zeb32s* pMetrics);
 ZEB_API ZebStatus zebiGetDistanceTransformMask_32f(int kerSize, ZebiNorm norm, Zeb32f* pMetrics);
-/* The older float form: maskType = kerSize * 10 + norm. Checks: pMetrics
- * null (-8); maskType % 10 not 0, 1 or 2 (-5); then as
+/* The older float form: maskType = kerSize * 10 + norm. Checks: maskType %
+ * 10 not 0, 1 or 2 (-5, even with pMetrics null); then as
  * zebiGetDistanceTransformMask_32f(maskType / 10, maskType % 10, pMetrics). */
 ZEB_API ZebStatus zebiGetDistanceTransformMask(int maskType, Zeb32f* pMetrics);
 
