@@ -21,5 +21,6 @@
 #include "zebcv/morph.h"
 #include "zebcv/morph_advanced.h"
 #include "zebcv/region_segment.h"
+#include "zebcv/region_distance.h"
 
 #endif /* ZEBCV_H */

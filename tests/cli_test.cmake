@@ -121,6 +121,11 @@ endif()
 # morph: the demo's images; a 1x1 element changes nothing; the 3x3
 # dilation of the 16-bit image above at 16 bits; bad arguments.
 foreach(f edges.png edges_l2.png corners.png morph_gradient.png morph_tophat.png morph_close.png morph_domes.png)
+# distance: a 5x1 image "0 8 8 8 8" (the difference of "1 9 9 9 9" and
+# "1 1 1 1 1": a file cannot hold a zero byte here) has its far end 4
+# steps from the zero pixel under every metric; an image without a zero
+# pixel is refused.
+foreach(f distance_l2.png distance_exact.png distance_march.png)
   if(NOT EXISTS ${dir}/${f})
     message(FATAL_ERROR "demo did not write ${f}")
   endif()
@@ -172,3 +177,16 @@ run(0 ${CLI} segment ${dir}/f.pgm ${dir}/s.png --cell 4)
 if(NOT last_out MATCHES "from 1 markers")
   message(FATAL_ERROR "segment wrong: ${last_out}")
 endif()
+string(ASCII 80 53 10 53 32 49 10 50 53 53 10 1 9 9 9 9 dist_a)
+string(ASCII 80 53 10 53 32 49 10 50 53 53 10 1 1 1 1 1 dist_b)
+file(WRITE ${dir}/line_a.pgm "${dist_a}")
+file(WRITE ${dir}/line_b.pgm "${dist_b}")
+run(0 ${CLI} diff ${dir}/line_a.pgm ${dir}/line_b.pgm ${dir}/line.pgm)
+foreach(metric c l1 l2 exact march)
+  run(0 ${CLI} distance ${dir}/line.pgm ${dir}/dist.png --metric ${metric})
+  if(NOT last_out MATCHES "largest distance 4\\.000 at \\(4,0\\)")
+    message(FATAL_ERROR "distance --metric ${metric} wrong: ${last_out}")
+  endif()
+endforeach()
+run(1 ${CLI} distance ${dir}/frame0.png ${dir}/dist.png)
+run(2 ${CLI} distance ${dir}/line.pgm ${dir}/dist.png --metric l3)
