@@ -56,6 +56,11 @@ int add(Pair p);
 // A 1920x1080 image of the given OpenCV type with random content.
 cv::Mat random_mat(int type, double lo = 0, double hi = 256, int w = kW, int h = kH);
 
+// A sample photograph (a file of Debian's opencv-doc examples, e.g.
+// "fruits.jpg") in grey, scaled to 1920x1080; random pixels, with a note on
+// stderr, when it is not installed.
+cv::Mat photograph(const char* name);
+
 // The buffers of one bench file, made on first use (so that a run
 // filtered to other pairs never allocates them) and shared by its pairs.
 template <class B>

@@ -12,6 +12,8 @@
 #include <map>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
 #include <random>
 #include <set>
 
@@ -28,6 +30,18 @@ std::vector<Pair>& registry() {
 int add(Pair p) {
     registry().push_back(std::move(p));
     return 0;
+}
+
+cv::Mat photograph(const char* name) {
+    const std::string file = std::string("/usr/share/doc/opencv-doc/examples/data/") + name;
+    const cv::Mat m = cv::imread(file, cv::IMREAD_GRAYSCALE);
+    if (m.empty()) {
+        std::fprintf(stderr, "bench: %s missing, using random pixels\n", file.c_str());
+        return random_mat(CV_8U);
+    }
+    cv::Mat out;
+    cv::resize(m, out, cv::Size(kW, kH), 0, 0, cv::INTER_LINEAR);
+    return out;
 }
 
 cv::Mat random_mat(int type, double lo, double hi, int w, int h) {

@@ -15,10 +15,6 @@
 #pragma GCC diagnostic ignored "-Wsign-compare"
 #pragma GCC diagnostic ignored "-Wunused-but-set-variable"
 #pragma GCC diagnostic ignored "-Wimplicit-fallthrough"
-#define STB_IMAGE_IMPLEMENTATION
-#define STBI_ONLY_JPEG
-#define STBI_NO_STDIO_WARNINGS
-#include <stb/stb_image.h>
 #pragma GCC diagnostic pop
 
 #include "bench.h"
@@ -33,24 +29,8 @@ using zb::step;
 
 constexpr float kLow = 50.f, kHigh = 150.f;
 
-// The grey photograph, scaled to the bench size; random pixels when the
-// sample images are not installed (the report then says so).
-cv::Mat photograph() {
-    const char* file = "/usr/share/doc/opencv-doc/examples/data/building.jpg";
-    int w = 0, h = 0, n = 0;
-    unsigned char* p = stbi_load(file, &w, &h, &n, 1);
-    if (p == nullptr) {
-        std::fprintf(stderr, "feature bench: %s missing, using random pixels\n", file);
-        return zb::random_mat(CV_8U);
-    }
-    cv::Mat m;
-    cv::resize(cv::Mat(h, w, CV_8U, p), m, cv::Size(zb::kW, zb::kH), 0, 0, cv::INTER_CUBIC);
-    stbi_image_free(p);
-    return m;
-}
-
 struct Buffers {
-    cv::Mat src = photograph(), edges = zb::random_mat(CV_8U), resp = zb::random_mat(CV_32F);
+    cv::Mat src = zb::photograph("building.jpg"), edges = zb::random_mat(CV_8U), resp = zb::random_mat(CV_32F);
     cv::Mat dx, dy;
     zb::Work canny{zebiCannyBorderGetSize, kRoi, 2, 33, zeb8u};
     zb::Work cannyDeriv{zebiCannyGetSize, kRoi};

@@ -8,13 +8,6 @@
 
 #include <cstring>
 
-// The photograph is decoded with the header-only image reader, private to
-// this file.
-#define STB_IMAGE_IMPLEMENTATION
-#define STB_IMAGE_STATIC
-#define STBI_ONLY_JPEG
-#include <stb/stb_image.h>
-
 #include "bench.h"
 #include "zebcv.h"
 
@@ -25,21 +18,8 @@ using zb::kRoi;
 using zb::px;
 using zb::step;
 
-cv::Mat photograph() {
-    int w = 0, h = 0, n = 0;
-    unsigned char* p = stbi_load("/usr/share/doc/opencv-doc/examples/data/fruits.jpg", &w, &h, &n, 1);
-    if (!p) {
-        std::fprintf(stderr, "the sample photograph fruits.jpg is missing (Debian's opencv-doc)\n");
-        std::abort();
-    }
-    cv::Mat big;
-    cv::resize(cv::Mat(h, w, CV_8U, p), big, cv::Size(zb::kW, zb::kH), 0, 0, cv::INTER_LINEAR);
-    stbi_image_free(p);
-    return big;
-}
-
 struct Recon {
-    cv::Mat mask = photograph();
+    cv::Mat mask = zb::photograph("fruits.jpg");
     cv::Mat marker = [this] {
         cv::Mat m;
         cv::subtract(mask, cv::Scalar(40), m);

@@ -7,12 +7,6 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
-// The photograph is decoded with stb's single-header reader (the bench
-// links OpenCV's core and imgproc only).
-#define STB_IMAGE_IMPLEMENTATION
-#define STBI_ONLY_JPEG
-#include <stb/stb_image.h>
-
 #include "bench.h"
 #include "zebcv.h"
 
@@ -24,16 +18,8 @@ using zb::px;
 using zb::step;
 
 cv::Mat edge_sites() {
-    int w = 0, h = 0, ch = 0;
-    unsigned char* p = stbi_load("/usr/share/doc/opencv-doc/examples/data/building.jpg", &w, &h, &ch, 1);
-    cv::Mat g, e;
-    if (p) {
-        cv::Mat(h, w, CV_8U, p).copyTo(g);
-        stbi_image_free(p);
-    } else {
-        g = zb::random_mat(CV_8U);  // no sample data installed: noise edges
-    }
-    cv::resize(g, g, {zb::kW, zb::kH}, 0, 0, cv::INTER_LINEAR);
+    const cv::Mat g = zb::photograph("building.jpg");
+    cv::Mat e;
     cv::Canny(g, e, 80, 160);
     return 255 - e;
 }

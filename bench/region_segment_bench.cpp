@@ -16,15 +16,8 @@ using zb::kRoi;
 using zb::px;
 using zb::step;
 
-cv::Mat photo_grey() {
-    cv::Mat m = cv::imread("/usr/share/doc/opencv-doc/examples/data/fruits.jpg", cv::IMREAD_GRAYSCALE), out;
-    if (m.empty()) m = zb::random_mat(CV_8U);
-    cv::resize(m, out, {zb::kW, zb::kH}, 0, 0, cv::INTER_LINEAR);
-    return out;
-}
-
 struct Buffers {
-    cv::Mat grey = photo_grey();
+    cv::Mat grey = zb::photograph("fruits.jpg");
     cv::Mat edges;  // 255 on edges, 0 elsewhere
     cv::Mat fillZeb, fillCv;
     cv::Mat labels = cv::Mat(zb::kH, zb::kW, CV_32S), labelsCv;

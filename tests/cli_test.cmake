@@ -120,12 +120,8 @@ endif()
 # detector, and refusals of what the commands do not take.
 # morph: the demo's images; a 1x1 element changes nothing; the 3x3
 # dilation of the 16-bit image above at 16 bits; bad arguments.
-foreach(f edges.png edges_l2.png corners.png morph_gradient.png morph_tophat.png morph_close.png morph_domes.png)
-# distance: a 5x1 image "0 8 8 8 8" (the difference of "1 9 9 9 9" and
-# "1 1 1 1 1": a file cannot hold a zero byte here) has its far end 4
-# steps from the zero pixel under every metric; an image without a zero
-# pixel is refused.
-foreach(f distance_l2.png distance_exact.png distance_march.png)
+foreach(f edges.png edges_l2.png corners.png morph_gradient.png morph_tophat.png morph_close.png morph_domes.png
+          distance_l2.png distance_exact.png distance_march.png)
   if(NOT EXISTS ${dir}/${f})
     message(FATAL_ERROR "demo did not write ${f}")
   endif()
@@ -177,6 +173,10 @@ run(0 ${CLI} segment ${dir}/f.pgm ${dir}/s.png --cell 4)
 if(NOT last_out MATCHES "from 1 markers")
   message(FATAL_ERROR "segment wrong: ${last_out}")
 endif()
+# distance: a 5x1 image "0 8 8 8 8" (the difference of "1 9 9 9 9" and
+# "1 1 1 1 1": a file cannot hold a zero byte here) has its far end 4
+# steps from the zero pixel under every metric; an image without a zero
+# pixel is refused.
 string(ASCII 80 53 10 53 32 49 10 50 53 53 10 1 9 9 9 9 dist_a)
 string(ASCII 80 53 10 53 32 49 10 50 53 53 10 1 1 1 1 1 dist_b)
 file(WRITE ${dir}/line_a.pgm "${dist_a}")
