@@ -16,5 +16,6 @@
 #include "zebcv/arith.h"
 #include "zebcv/stats.h"
 #include "zebcv/filter.h"
+#include "zebcv/background.h"
 
 #endif /* ZEBCV_H */
