@@ -40,7 +40,7 @@ ZebStatus init_alloc(const Zeb8u* src, int ss, ZebiSize roi, const ZebForeground
     if (model->numGauss > kSlots) return zebStsBadArgErr;
 
     const int64_t px = int64_t(roi.width) * roi.height;
-    const int64_t compBytes = px * int64_t(sizeof(Component)) + kComponentSlack;
+    const int64_t compBytes = px * kSlots * int64_t(sizeof(Component)) + kComponentSlack;
     const int64_t planeBytes = 2 * px;
     State* st = nullptr;
     void* comps = nullptr;
