@@ -232,18 +232,19 @@ ZEB_API ZebStatus zebiForegroundGaussianFree_8u_C3R(ZebForegroundGaussianState_8
  * (non-zero foreground; normally the classification's result): the table
  * of the pixel's feature decays by (1 - statRate); the matching entry, or
  * a new one in place of the least probable, gains statRate in P(v) and,
- * for background pixels, in P(v, b). B moves towards background pixels by
- * refRate; a foreground pixel that has not moved and whose colour entry
- * has P(v) of at least absorbLevel is taken into the background
- * (B = pixel, P(v, b) = P(v)). The frame becomes the previous frame.
+ * for background pixels, in P(v, b); the entry then moves up past less
+ * probable ones. B moves towards background pixels by refRate. A
+ * foreground pixel whose entry has reached P(v) >= absorbLevel is taken
+ * into the background: P(v, b) = P(v), and, when the pixel has not moved,
+ * B = pixel. The frame becomes the previous frame.
  *
  * Model record: a field of 0 (or below) takes the stored default given in
  * brackets. */
 typedef struct ZebForegroundHistogramModel {
     int32_t valueLevels;   /* [64] colour quantisation levels per channel, 2 to 256 */
     int32_t coocLevels;    /* [32] co-occurrence quantisation levels, 2 to 256 */
-    int32_t valueEntries;  /* [6] colour table entries per pixel, at most 64 */
-    int32_t coocEntries;   /* [6] co-occurrence table entries per pixel, at most 64 */
+    int32_t valueEntries;  /* [4] colour table entries per pixel, at most 64 */
+    int32_t coocEntries;   /* [4] co-occurrence table entries per pixel, at most 64 */
     Zeb32f statRate;       /* [0.005] learning rate of the statistics */
     Zeb32f refRate;        /* [0.1] learning rate of the reference background */
     Zeb32f absorbLevel;    /* [0.5] P(v) at which a still foreground colour joins the background */
