@@ -56,7 +56,7 @@ void update(const uint8_t* src, int ss, uint8_t* dst, int ds, State* st, double 
                 for (int ch = 0; ch < C; ++ch) c[k].mean[ch] += a * diff[ch];
                 const float v = c[k].var + a * (d2 * (1.f / float(C)) - c[k].var);
                 c[k].var = v < minVar ? minVar : v;
-                c[k].key = float(c[k].weight / std::sqrt(double(c[k].var)));
+                c[k].key = float(c[k].weight) / std::sqrt(c[k].var);
                 if (c[k].count < INT_MAX) ++c[k].count;
                 int j = k;
                 for (; j > 0 && c[j - 1].key < c[j].key; --j) std::swap(c[j - 1], c[j]);
@@ -71,16 +71,17 @@ void update(const uint8_t* src, int ss, uint8_t* dst, int ds, State* st, double 
                 n.count = 1;
                 n.var = var0;
                 for (int ch = 0; ch < 3; ++ch) n.mean[ch] = px[ch];
-                n.key = float(w0 / std::sqrt(double(var0)));
+                n.key = float(w0) / std::sqrt(var0);
             }
             double total = 0.0;
             for (int k = 0; k < used; ++k) total += c[k].weight;
             const double scale = 1.0 / total;
+            const float fscale = float(scale);
             double cum = 0.0;
             int background = used;  // components [0, background) form the background
             for (int k = 0; k < used; ++k) {
                 c[k].weight *= scale;
-                c[k].key = float(double(c[k].key) * scale);
+                c[k].key *= fscale;
                 cum += c[k].weight;
                 if (cum > T && background == used) background = k + 1;
             }

@@ -31,25 +31,42 @@ HWY_INLINE hn::Mask<DF> moving(DF df, const S* HWY_RESTRICT s) {
     }
 }
 
+// Lanes below the limit clear; NaN is not below it and stays.
+template <class DF, class V>
+HWY_INLINE V remembered(DF, V old, V limit) {
+    return hn::IfThenZeroElse(hn::Lt(old, limit), old);
+}
+
 template <class S>
 void update(const S* sil, int ss, float* m, int ms, int w, int h, float ts, float limit) {
     const Vd<float> df;
     constexpr int kN = int(hn::MaxLanes(Vd<float>()));
+    // 8-bit silhouettes: one byte vector covers four float vectors and is
+    // compared once.
+    constexpr int kVecs = sizeof(S) == 1 ? 4 : 2;
     const auto vts = hn::Set(df, ts), vlim = hn::Set(df, limit);
     for (int y = 0; y < h; ++y) {
         const S* rs = row(sil, ss, y);
         float* rm = row(m, ms, y);
         auto scalar = [&](int x) { rm[x] = ref::mhi(rs[x], rm[x], ts, limit); };
         auto block = [&](int x) HWY_ATTR {
-            for (int k = 0; k < 2; ++k) {
-                const int o = x + k * kN;
-                const auto old = hn::Load(df, rm + o);
-                // Lanes below the limit clear; NaN is not below it and stays.
-                const auto kept = hn::IfThenZeroElse(hn::Lt(old, vlim), old);
-                hn::Store(hn::IfThenElse(moving(df, rs + o), vts, kept), df, rm + o);
+            if constexpr (sizeof(S) == 1) {
+                hn::Mask<decltype(df)> still[4];
+                ZeroBytesToFloatMasks4(df, rs + x, still);
+                for (int k = 0; k < 4; ++k) {
+                    const int o = x + k * kN;
+                    const auto kept = remembered(df, hn::Load(df, rm + o), vlim);
+                    hn::Store(hn::IfThenElse(still[k], kept, vts), df, rm + o);
+                }
+            } else {
+                for (int k = 0; k < 2; ++k) {
+                    const int o = x + k * kN;
+                    const auto kept = remembered(df, hn::Load(df, rm + o), vlim);
+                    hn::Store(hn::IfThenElse(moving(df, rs + o), vts, kept), df, rm + o);
+                }
             }
         };
-        drive_row<kVecBytes, 2 * kN>(rm, w, scalar, block);
+        drive_row<kVecBytes, kVecs * kN>(rm, w, scalar, block);
     }
 }
 
