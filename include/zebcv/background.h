@@ -120,7 +120,9 @@ ZEB_API ZebStatus zebiFGMMGetBufferSize_8u_C3R(ZebiSize roiSize, int maxNGauss, 
  * first), the count of active components of N bytes; the model's fields
  * in the record's order; n twice; the frame width and height), then those
  * areas. Each pixel's components take n slots; slot order is weight order.
- * The model's values are used as given (nothing in it is refused).
+ * The model's values are used as given (nothing in it is refused). The
+ * header points into the buffer itself: a state cannot be moved or copied
+ * to other memory, only made again with Init.
  * Checks in order: pModel or pState null (-8); width or height below 1
  * (-6); maxNGauss below 1 or above 255 (-5); a size that does not fit an
  * int (-6). Zeroes the whole buffer before writing the header. */
@@ -162,8 +164,8 @@ ZEB_API ZebStatus zebiFGMMBackground_8u_C3R(Zeb8u* pDst, int dstStep, ZebiSize r
  *     (x 3 for colour) is matched: w += a (1 - w), mean += a (pixel - mean),
  *     var += a (d2 - var) (d2 per channel over 3 for colour), at least
  *     noiseSigma^2, and the component moves up the order;
- *   - without a match the last used slot (or the next free one) becomes
- *     the pixel with initialWeight and initialVariance;
+ *   - without a match the next free slot, or the last slot when all are
+ *     in use, becomes the pixel with initialWeight and initialVariance;
  *   - weights are normalised to sum 1; the components that come first and
  *     whose weights first exceed backgroundRatio form the background; the
  *     pixel is foreground (255) unless it matched one of them (0).
