@@ -22,5 +22,6 @@
 #include "zebcv/morph_advanced.h"
 #include "zebcv/region_segment.h"
 #include "zebcv/region_distance.h"
+#include "zebcv/background.h"
 
 #endif /* ZEBCV_H */

@@ -5,7 +5,7 @@
 set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config libstb-dev libhwy-dev)
 if [ "${1:-test}" = test ]; then
-  packages+=(libgtest-dev libbenchmark-dev libopencv-dev binutils opencv-doc opencv-data)
+  packages+=(libgtest-dev libbenchmark-dev libopencv-dev libopencv-contrib-dev binutils opencv-doc opencv-data)
 fi
 missing=()
 for p in "${packages[@]}"; do
